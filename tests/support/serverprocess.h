@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QUrl>
+
+// A real orvel-server on a free loopback port with a data folder of its own, for tests that
+// talk to the server over HTTP. The server is stopped when this object goes away.
+class ServerProcess {
+public:
+    explicit ServerProcess(const QStringList &extraArguments = {});
+    ~ServerProcess();
+
+    // Starts the server and waits for its "listening on" line; false (with the reason in
+    // errorText()) if it did not come up in time.
+    bool start(int timeoutMs = 15000);
+    void stop();
+
+    QUrl baseUrl() const { return m_baseUrl; }
+    QString dataDir() const { return m_data.path(); }
+    QString errorText() const { return m_error; }
+    // What the server wrote to its standard error so far (its log).
+    QByteArray log();
+
+    static QString executable();
+
+private:
+    QStringList m_arguments;
+    QTemporaryDir m_data;
+    QProcess m_process;
+    QUrl m_baseUrl;
+    QString m_error;
+    QByteArray m_log;
+};
