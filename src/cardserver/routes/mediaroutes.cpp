@@ -1,0 +1,142 @@
+#include "routes/mediaroutes.h"
+
+#include "app/services.h"
+#include "http/apierror.h"
+#include "http/router.h"
+#include "library/deckstore.h"
+#include "media/gifsearch.h"
+#include "media/imageprobe.h"
+#include "media/mediastore.h"
+#include "text/textfold.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QUrl>
+
+namespace cardserver {
+
+namespace {
+
+using Access = Router::Access;
+
+constexpr int FetchSeconds = 10;
+
+ImageProbe::Info checkedImage(const QByteArray &bytes)
+{
+    if (bytes.size() > MediaRoutes::MaxBytes)
+        throw ApiError(413, QStringLiteral("That picture is larger than 10 MB."));
+    const auto info = ImageProbe::probe(bytes);
+    if (!info)
+        throw ApiError(415, QStringLiteral("That is not a PNG, JPEG, GIF or WebP picture."));
+    return *info;
+}
+
+// Fetches a picture from the web, refusing anything over the size limit.
+QByteArray fetch(const QUrl &url)
+{
+    const QString scheme = url.scheme().toLower();
+    if ((scheme != "http" && scheme != "https") || url.host().isEmpty())
+        throw ApiError::invalid(QStringLiteral("That picture has no address to fetch it from."));
+    const std::string origin =
+        (scheme + "://" + url.host() + (url.port() > 0 ? ":" + QString::number(url.port()) : ""))
+            .toStdString();
+    httplib::Client client(origin);
+    client.set_follow_location(true);
+    client.set_connection_timeout(FetchSeconds);
+    client.set_read_timeout(FetchSeconds);
+    std::string path = url.path(QUrl::FullyEncoded).toStdString();
+    if (path.empty())
+        path = "/";
+    if (url.hasQuery())
+        path += "?" + url.query(QUrl::FullyEncoded).toStdString();
+    std::string bytes;
+    bool tooBig = false;
+    const auto result = client.Get(path, [&](const char *data, size_t length) {
+        bytes.append(data, length);
+        tooBig = bytes.size() > size_t(MediaRoutes::MaxBytes);
+        return !tooBig;
+    });
+    if (tooBig)
+        throw ApiError(413, QStringLiteral("That picture is larger than 10 MB."));
+    if (!result || result->status != 200)
+        throw ApiError::invalid(QStringLiteral("That picture could not be fetched."));
+    return QByteArray::fromStdString(bytes);
+}
+
+} // namespace
+
+void MediaRoutes::install(Router &router, Services &s)
+{
+    router.post(R"(/api/media)", Access::SignedIn, [&s](Call &call) {
+        if (!ImageProbe::acceptedType(call.header("Content-Type")))
+            throw ApiError(415, QStringLiteral("Send a PNG, JPEG, GIF or WebP picture."));
+        const QByteArray bytes = QByteArray::fromStdString(call.req.body);
+        const ImageProbe::Info info = checkedImage(bytes);
+        call.reply(s.media.store(call.userId, bytes, info, {"upload", "", "", "", ""}), 201);
+    });
+
+    router.post(R"(/api/media/import)", Access::SignedIn, [&s](Call &call) {
+        const RequestBody body = call.body();
+        const QString address = body.string("url").trimmed();
+        const MediaStore::Credit credit{
+            body.optionalString("origin").value_or(QString()).trimmed(),
+            body.optionalString("source_url").value_or(QString()).trimmed(),
+            body.optionalString("author").value_or(QString()).trimmed(),
+            body.optionalString("licence").value_or(QString()).trimmed(),
+            body.optionalString("title").value_or(QString()).trimmed().left(500)};
+        // One of the learner's own pictures comes back as it is.
+        static const QRegularExpression own(QStringLiteral("^(?:https?://[^/]+)?/media/(\\d+)/"));
+        if (const auto m = own.match(address); m.hasMatch()) {
+            const qint64 id = m.captured(1).toLongLong();
+            if (s.media.owns(call.userId, id)) {
+                call.reply(s.media.media(call.userId, id));
+                return;
+            }
+            if (address.startsWith('/'))
+                throw ApiError::notFound(QStringLiteral("That picture does not exist."));
+        }
+        const QByteArray bytes = fetch(QUrl(address));
+        const ImageProbe::Info info = checkedImage(bytes);
+        MediaStore::Credit stored = credit;
+        if (stored.origin.isEmpty())
+            stored.origin = QUrl(address).host();
+        call.reply(s.media.store(call.userId, bytes, info, stored), 201);
+    });
+
+    router.get(R"(/api/media/search)", Access::SignedIn,
+               [&s, gifs = GifSearch::fromEnvironment()](Call &call) {
+                   const QString query = call.query("q").trimmed();
+                   if (call.hasQuery("deck") && !call.query("deck").isEmpty()) {
+                       bool ok = false;
+                       const qint64 deck = call.query("deck").toLongLong(&ok);
+                       if (!ok)
+                           throw ApiError::notFound(QStringLiteral("That deck does not exist."));
+                       s.decks.info(call.userId, deck);
+                   }
+                   const bool moving = call.query("kind") == QLatin1String("gif");
+                   // The learner's own pictures first; moving ones from the providers that have
+                   // keys.
+                   QJsonArray results =
+                       s.media.search(call.userId, TextFold::fold(query), moving, 60);
+                   if (moving)
+                       for (const QJsonValue &v : gifs.search(query, 24))
+                           results.append(v);
+                   call.reply(QJsonObject{
+                       {"query", query},
+                       {"results", results},
+                       {"sources", QJsonObject{{"tenor", gifs.tenor()}, {"giphy", gifs.giphy()}}}});
+               });
+
+    router.get(R"(/media/(\d+)/([0-9a-f]+\.[a-z]+))", Access::Public, [&s](Call &call) {
+        const auto file =
+            s.media.file(call.id(1), QString::fromStdString(call.req.matches[2].str()));
+        QFile f(file ? file->path : QString());
+        if (!file || !f.open(QIODevice::ReadOnly))
+            throw ApiError::notFound(QStringLiteral("That picture does not exist."));
+        call.res.set_header("Cache-Control", "private, max-age=31536000, immutable");
+        call.res.set_header("X-Content-Type-Options", "nosniff");
+        call.res.set_content(f.readAll().toStdString(), file->mime.toStdString());
+    });
+}
+
+} // namespace cardserver

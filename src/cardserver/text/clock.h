@@ -1,0 +1,13 @@
+#pragma once
+#include <QString>
+
+namespace cardserver {
+
+// Timestamps as the protocol carries them: ISO 8601 in UTC with seconds ("2026-11-23T07:40:01Z").
+class Clock {
+public:
+    static QString nowText();
+    static qint64 nowSeconds();
+};
+
+} // namespace cardserver

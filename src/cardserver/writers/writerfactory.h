@@ -1,0 +1,22 @@
+#pragma once
+#include "writer.h"
+
+#include <memory>
+#include <QString>
+
+namespace cardserver {
+
+struct WriterConfig {
+    QString kind = "dictionary";
+    QString llmUrl;
+    QString llmModel;
+    QString llmKey;
+    QString dictionaryDir = "/usr/share/dictd";
+};
+
+// The writer a configuration names: "dictionary" (offline, the default) or "llm" (an
+// OpenAI-compatible chat-completions endpoint, which needs llmUrl and llmModel). Throws
+// WriterError with a one-line reason for an unknown kind or an incomplete configuration.
+std::unique_ptr<Writer> makeWriter(const WriterConfig &config);
+
+} // namespace cardserver

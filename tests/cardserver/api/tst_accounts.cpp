@@ -1,0 +1,294 @@
+// Accounts and sessions over HTTP: sign-up, confirmation, sign-in, throttling, sign-out,
+// password change, provider sign-in and the forgotten-password pages.
+#include "api.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTest>
+#include <QUrlQuery>
+
+class TestAccounts : public QObject {
+    Q_OBJECT
+
+    static QString outboxText(const ServerProcess &server)
+    {
+        QDir outbox(server.dataDir() + "/outbox");
+        QString all;
+        for (const QString &name : outbox.entryList({"*.eml"}, QDir::Files, QDir::Name)) {
+            QFile f(outbox.filePath(name));
+            f.open(QIODevice::ReadOnly);
+            all += QString::fromUtf8(f.readAll());
+        }
+        return all;
+    }
+
+    // The link in the newest outbox message, as a path (/confirm?token=…).
+    static QString lastLink(const ServerProcess &server, const char *startsWith)
+    {
+        QDir outbox(server.dataDir() + "/outbox");
+        const QStringList files = outbox.entryList({"*.eml"}, QDir::Files, QDir::Name);
+        if (files.isEmpty())
+            return QString();
+        QFile f(outbox.filePath(files.last()));
+        f.open(QIODevice::ReadOnly);
+        const QString text = QString::fromUtf8(f.readAll());
+        const auto m = QRegularExpression(QStringLiteral("http://[^/\\s]+(%1[^\\s]+)")
+                                              .arg(QRegularExpression::escape(startsWith)))
+                           .match(text);
+        return m.hasMatch() ? m.captured(1) : QString();
+    }
+
+private slots:
+    void signUpConfirmAndSignIn()
+    {
+        ServerProcess server;
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        const QJsonObject up{
+            {"email", "ana@example.org"}, {"password", "correct horse"}, {"display_name", "Ana"}};
+
+        QCOMPARE(api.post("/api/auth/signup", up).status, 201);
+        const Api::Reply again = api.post("/api/auth/signup", up);
+        QCOMPARE(again.status, 409);
+        QVERIFY(!again.error().isEmpty());
+
+        QJsonObject shortPassword = up;
+        shortPassword["email"] = "bo@example.org";
+        shortPassword["password"] = "1234567";
+        QCOMPARE(api.post("/api/auth/signup", shortPassword).error(),
+                 QStringLiteral("Choose a password of at least 8 characters."));
+        QJsonObject badEmail = up;
+        badEmail["email"] = "not-an-address";
+        QCOMPARE(api.post("/api/auth/signup", badEmail).status, 422);
+
+        // Unconfirmed: the right password is refused with 403, the wrong one with 401.
+        const QJsonObject login{{"email", "ana@example.org"}, {"password", "correct horse"}};
+        const Api::Reply early = api.post("/api/auth/login", login);
+        QCOMPARE(early.status, 403);
+        QVERIFY(early.error().contains("ana@example.org"));
+        QCOMPARE(api.post("/api/auth/login",
+                          QJsonObject{{"email", "ana@example.org"}, {"password", "wrong one"}})
+                     .status,
+                 401);
+        QVERIFY(api.cookie().isEmpty());
+
+        const QString link = lastLink(server, "/confirm?token=");
+        QVERIFY(!link.isEmpty());
+        // Mail links point at the server's own address, whatever Host a request claimed.
+        QVERIFY(outboxText(server).contains(server.baseUrl().toString(QUrl::StripTrailingSlash) +
+                                            "/confirm?token="));
+        QTRY_VERIFY(server.log().contains("/confirm?token="));
+        QCOMPARE(api.get("/confirm?token=nonsense").status, 400);
+        const Api::Reply confirmed = api.get(link);
+        QCOMPARE(confirmed.status, 200);
+        QVERIFY(confirmed.body.contains("confirmed"));
+        QCOMPARE(api.get(link).status, 400); // a link works once
+
+        const Api::Reply in = api.post("/api/auth/login", login);
+        QCOMPARE(in.status, 200);
+        QCOMPARE(in.object().value("display_name").toString(), QStringLiteral("Ana"));
+        QCOMPARE(in.object().value("email").toString(), QStringLiteral("ana@example.org"));
+        const QString setCookie = in.header("Set-Cookie");
+        QVERIFY(setCookie.startsWith("orvel_session="));
+        for (const char *part : {"Path=/", "HttpOnly", "SameSite=Lax", "Max-Age=2592000"})
+            QVERIFY2(setCookie.contains(part), part);
+        QVERIFY(!setCookie.contains("Secure"));
+        QCOMPARE(api.cookie().size(), 64); // 256 bits in hex
+
+        const Api::Reply me = api.get("/api/auth/me");
+        QCOMPARE(me.status, 200);
+        QCOMPARE(me.object().value("id"), in.object().value("id"));
+    }
+
+    void resendWritesAFreshLink()
+    {
+        ServerProcess server;
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.post("/api/auth/signup", QJsonObject{{"email", "cy@example.org"},
+                                                 {"password", "long enough"},
+                                                 {"display_name", "Cy"}});
+        const QString first = lastLink(server, "/confirm?token=");
+        QCOMPARE(api.post("/api/auth/resend", QJsonObject{{"email", "cy@example.org"}}).status,
+                 200);
+        const QString second = lastLink(server, "/confirm?token=");
+        QVERIFY(!second.isEmpty());
+        QVERIFY(first != second);
+        // Unknown addresses get the same answer, so the call does not reveal accounts.
+        QCOMPARE(api.post("/api/auth/resend", QJsonObject{{"email", "nobody@example.org"}}).status,
+                 200);
+        QCOMPARE(api.get(second).status, 200);
+    }
+
+    void sessionsEndAtSignOutAndNeedACookie()
+    {
+        ServerProcess server({"--local"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        QCOMPARE(api.get("/api/auth/me").status, 401);
+        QCOMPARE(api.get("/api/auth/me").error(), QStringLiteral("You are signed out."));
+        api.join("dee@example.org");
+        const QString cookie = api.cookie();
+        QCOMPARE(api.get("/api/auth/me").status, 200);
+
+        Api other(server.baseUrl());
+        other.setCookie(QString(64, 'a'));
+        QCOMPARE(other.get("/api/decks").status, 401);
+
+        // Behind a proxy that serves https, the cookie is marked Secure.
+        Api proxied(server.baseUrl());
+        proxied.setHeader("X-Forwarded-Proto", "https");
+        const Api::Reply secure =
+            proxied.post("/api/auth/login",
+                         QJsonObject{{"email", "dee@example.org"}, {"password", "secret-pass"}});
+        QCOMPARE(secure.status, 200);
+        QVERIFY(secure.header("Set-Cookie").contains("; Secure"));
+
+        const Api::Reply out = api.post("/api/auth/logout");
+        QCOMPARE(out.status, 200);
+        QVERIFY(out.header("Set-Cookie").contains("Max-Age=0"));
+        api.setCookie(cookie);
+        QCOMPARE(api.get("/api/auth/me").status, 401);
+        QCOMPARE(api.get("/api/decks").status, 401);
+    }
+
+    void tenFailuresInAMinuteAreThrottled()
+    {
+        ServerProcess server({"--local"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.join("eve@example.org", "the right one");
+        const QJsonObject wrong{{"email", "eve@example.org"}, {"password", "not it"}};
+        for (int i = 0; i < 10; ++i)
+            QCOMPARE(api.post("/api/auth/login", wrong).status, 401);
+        const Api::Reply blocked =
+            api.post("/api/auth/login",
+                     QJsonObject{{"email", "EVE@example.org"}, {"password", "the right one"}});
+        QCOMPARE(blocked.status, 429);
+        QVERIFY(!blocked.error().isEmpty());
+        // Another address is not affected.
+        api.join("fay@example.org", "the right one");
+        QCOMPARE(api.get("/api/auth/me").status, 200);
+    }
+
+    void changingThePasswordSignsOutOtherSessions()
+    {
+        ServerProcess server({"--local"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.join("gus@example.org", "first password");
+        Api laptop(server.baseUrl());
+        laptop.post("/api/auth/login",
+                    QJsonObject{{"email", "gus@example.org"}, {"password", "first password"}});
+        QCOMPARE(laptop.get("/api/auth/me").status, 200);
+
+        QCOMPARE(api.post("/api/settings/password",
+                          QJsonObject{{"current", "wrong"}, {"next", "second password"}})
+                     .status,
+                 403);
+        QCOMPARE(api.post("/api/settings/password",
+                          QJsonObject{{"current", "first password"}, {"next", "short"}})
+                     .status,
+                 422);
+        QCOMPARE(api.post("/api/settings/password",
+                          QJsonObject{{"current", "first password"}, {"next", "second password"}})
+                     .status,
+                 200);
+        QCOMPARE(api.get("/api/auth/me").status, 200);
+        QCOMPARE(laptop.get("/api/auth/me").status, 401);
+        Api fresh(server.baseUrl());
+        QCOMPARE(fresh
+                     .post("/api/auth/login", QJsonObject{{"email", "gus@example.org"},
+                                                          {"password", "first password"}})
+                     .status,
+                 401);
+        QCOMPARE(fresh
+                     .post("/api/auth/login", QJsonObject{{"email", "gus@example.org"},
+                                                          {"password", "second password"}})
+                     .status,
+                 200);
+    }
+
+    void providersOnlyWithTheTestFlag()
+    {
+        {
+            ServerProcess plain;
+            QVERIFY(startServer(plain));
+            Api api(plain.baseUrl());
+            const QJsonObject options = api.get("/api/auth/options").object();
+            QCOMPARE(options.value("google").toBool(true), false);
+            QCOMPARE(options.value("apple").toBool(true), false);
+            QCOMPARE(options.value("signup").toBool(), true);
+            const Api::Reply start = api.get("/api/auth/oauth/google?client=mac");
+            QCOMPARE(start.status, 404);
+            QVERIFY(!start.error().isEmpty());
+        }
+        ServerProcess server({"--test-providers"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        QCOMPARE(api.get("/api/auth/options").object().value("apple").toBool(), true);
+
+        const Api::Reply start = api.get("/api/auth/oauth/google?client=mac");
+        QCOMPARE(start.status, 302);
+        const QUrl back(start.header("Location"));
+        QCOMPARE(back.scheme(), QStringLiteral("orvel"));
+        const QString code = QUrlQuery(back).queryItemValue("code");
+        QVERIFY(!code.isEmpty());
+
+        const Api::Reply user = api.post("/api/auth/exchange", QJsonObject{{"code", code}});
+        QCOMPARE(user.status, 200);
+        QVERIFY(!user.object().value("email").toString().isEmpty());
+        QCOMPARE(api.get("/api/auth/me").status, 200);
+        Api second(server.baseUrl());
+        QCOMPARE(second.post("/api/auth/exchange", QJsonObject{{"code", code}}).status, 401);
+
+        const Api::Reply denied = api.get("/api/auth/oauth/apple?client=mac&fail=access_denied");
+        QCOMPARE(denied.status, 302);
+        QCOMPARE(QUrlQuery(QUrl(denied.header("Location"))).queryItemValue("error"),
+                 QStringLiteral("access_denied"));
+    }
+
+    void forgottenPasswordPages()
+    {
+        ServerProcess server({"--local"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.join("hal@example.org", "old password");
+
+        const Api::Reply page = api.get("/app?forgot=1&email=hal%40example.org");
+        QCOMPARE(page.status, 200);
+        QVERIFY(page.header("Content-Type").startsWith("text/html"));
+        QVERIFY(page.body.contains("value=\"hal@example.org\""));
+        QVERIFY(page.body.contains("action=\"/app/forgot\""));
+
+        QCOMPARE(api.postRaw("/app/forgot", "email=hal%40example.org",
+                             "application/x-www-form-urlencoded")
+                     .status,
+                 200);
+        const QString link = lastLink(server, "/app?reset=");
+        QVERIFY(!link.isEmpty());
+        const QString token = QUrlQuery(QUrl(link)).queryItemValue("reset");
+        QVERIFY(api.get(link).body.contains(token.toUtf8()));
+        QCOMPARE(api.postRaw("/app/reset", ("token=" + token + "&password=short").toUtf8(),
+                             "application/x-www-form-urlencoded")
+                     .status,
+                 422);
+        QCOMPARE(api.postRaw("/app/reset", ("token=" + token + "&password=new+password").toUtf8(),
+                             "application/x-www-form-urlencoded")
+                     .status,
+                 200);
+        QCOMPARE(api.get("/api/auth/me").status, 401); // every session ended
+        QCOMPARE(api.post("/api/auth/login",
+                          QJsonObject{{"email", "hal@example.org"}, {"password", "new password"}})
+                     .status,
+                 200);
+        QCOMPARE(api.postRaw("/app/reset", ("token=" + token + "&password=another+one").toUtf8(),
+                             "application/x-www-form-urlencoded")
+                     .status,
+                 400);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestAccounts)
+#include "tst_accounts.moc"

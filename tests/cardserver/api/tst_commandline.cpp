@@ -1,0 +1,98 @@
+// The command line of orvel-server: --help, refusals with a one-line reason, and the
+// "listening on" line.
+#include "serverprocess.h"
+
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestCommandLine : public QObject {
+    Q_OBJECT
+
+    struct Run {
+        int code;
+        QString out;
+        QString err;
+    };
+    static Run run(const QStringList &arguments)
+    {
+        QProcess p;
+        p.start(ServerProcess::executable(), arguments);
+        if (!p.waitForFinished(10000)) {
+            p.kill();
+            p.waitForFinished();
+            return {-1, {}, {}};
+        }
+        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+                QString::fromUtf8(p.readAllStandardError())};
+    }
+
+private slots:
+    void helpDocumentsEveryFlag()
+    {
+        const Run r = run({"--help"});
+        QCOMPARE(r.code, 0);
+        for (const char *flag : {"--listen", "--data", "--local", "--writer", "--llm-url",
+                                 "--llm-model", "--database", "--test-providers", "--help"})
+            QVERIFY2(r.out.contains(flag), flag);
+    }
+
+    void refusalsAreOneLine_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTemporaryDir dir;
+        QTest::newRow("unknown flag") << QStringList{"--bogus"};
+        QTest::newRow("bad listen") << QStringList{"--listen", "localhost"};
+        QTest::newRow("bad port") << QStringList{"--listen", "127.0.0.1:70000"};
+        QTest::newRow("bad writer") << QStringList{"--writer", "poet"};
+        QTest::newRow("missing value") << QStringList{"--data"};
+        QTest::newRow("data is a file")
+            << QStringList{"--listen", "127.0.0.1:0", "--data", "/etc/hostname"};
+        QTest::newRow("postgres") << QStringList{"--listen",   "127.0.0.1:0",
+                                                 "--data",     QDir::tempPath() + "/orvel-cl-test",
+                                                 "--database", "postgresql://db/orvel"};
+        QTest::newRow("llm without url")
+            << QStringList{"--listen", "127.0.0.1:0", "--data", QDir::tempPath() + "/orvel-cl-test",
+                           "--writer", "llm"};
+    }
+
+    void refusalsAreOneLine()
+    {
+        QFETCH(QStringList, arguments);
+        const Run r = run(arguments);
+        QVERIFY(r.code > 0);
+        QVERIFY(r.out.isEmpty());
+        QCOMPARE(r.err.trimmed().count('\n'), 0);
+        QVERIFY(r.err.startsWith("orvel-server: "));
+    }
+
+    void listeningLineAndAFreePort()
+    {
+        ServerProcess server({"--local"});
+        QVERIFY2(server.start(), qPrintable(server.errorText()));
+        QCOMPARE(server.baseUrl().scheme(), QStringLiteral("http"));
+        QCOMPARE(server.baseUrl().host(), QStringLiteral("127.0.0.1"));
+        QVERIFY(server.baseUrl().port() > 0);
+        QVERIFY(QFile::exists(server.dataDir() + "/orvel.sqlite"));
+    }
+
+    void stopsCleanlyOnTerminate()
+    {
+        // Even a signal that comes the moment the server says it is listening ends it cleanly.
+        for (int i = 0; i < 3; ++i) {
+            QTemporaryDir data;
+            QProcess p;
+            p.start(ServerProcess::executable(),
+                    {"--listen", "127.0.0.1:0", "--data", data.path()});
+            QVERIFY(p.waitForReadyRead(15000));
+            QVERIFY(p.readAllStandardOutput().startsWith("listening on http://127.0.0.1:"));
+            p.terminate();
+            QVERIFY(p.waitForFinished(10000));
+            QCOMPARE(p.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(p.exitCode(), 0);
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+#include "tst_commandline.moc"

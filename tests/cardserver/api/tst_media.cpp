@@ -1,0 +1,273 @@
+// Pictures over HTTP: uploads of each accepted type (sizes read from the headers), refusals
+// by type and size, the files served back, import of a found picture and the search.
+#include "api.h"
+
+#include <QtEndian>
+#include <QTest>
+#include <thread>
+
+namespace {
+
+QByteArray be32(quint32 v)
+{
+    QByteArray b(4, '\0');
+    qToBigEndian(v, b.data());
+    return b;
+}
+
+QByteArray png(quint32 w, quint32 h)
+{
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) + be32(13) + "IHDR" + be32(w) + be32(h) +
+           QByteArray("\x08\x06\x00\x00\x00", 5) + be32(0) + be32(0) + "IEND" + be32(0);
+}
+
+QByteArray gif(quint16 w, quint16 h)
+{
+    QByteArray b("GIF89a");
+    b.append(char(w & 0xff)).append(char(w >> 8)).append(char(h & 0xff)).append(char(h >> 8));
+    return b + QByteArray("\x00\x00\x00\x3b", 4);
+}
+
+QByteArray jpeg(quint16 w, quint16 h)
+{
+    QByteArray b("\xff\xd8\xff\xe0\x00\x10JFIF\x00\x01\x01\x00\x00\x01\x00\x01\x00\x00", 20);
+    b += QByteArray("\xff\xc0\x00\x11\x08", 5);
+    b.append(char(h >> 8)).append(char(h & 0xff)).append(char(w >> 8)).append(char(w & 0xff));
+    b += QByteArray(10, '\x01');
+    return b + QByteArray("\xff\xd9", 2);
+}
+
+QByteArray webp(quint32 w, quint32 h)
+{
+    QByteArray b("RIFF\x00\x00\x00\x00WEBPVP8X\x0a\x00\x00\x00\x00\x00\x00\x00", 24);
+    for (quint32 v : {w - 1, h - 1})
+        b.append(char(v & 0xff)).append(char((v >> 8) & 0xff)).append(char((v >> 16) & 0xff));
+    return b;
+}
+
+} // namespace
+
+class TestMedia : public QObject {
+    Q_OBJECT
+
+    ServerProcess server{{"--local"}};
+    std::unique_ptr<Api> api;
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(startServer(server));
+        api = std::make_unique<Api>(server.baseUrl());
+        api->join("pics@example.org");
+    }
+
+    void uploadsOfEachType_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<QByteArray>("type");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::newRow("png") << png(640, 480) << QByteArray("image/png") << 640 << 480;
+        QTest::newRow("gif") << gif(32, 16) << QByteArray("image/gif") << 32 << 16;
+        QTest::newRow("jpeg") << jpeg(1024, 768) << QByteArray("image/jpeg") << 1024 << 768;
+        QTest::newRow("webp") << webp(300, 200) << QByteArray("image/webp") << 300 << 200;
+    }
+
+    void uploadsOfEachType()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(QByteArray, type);
+        QFETCH(int, width);
+        QFETCH(int, height);
+        const Api::Reply r = api->postRaw("/api/media", bytes, type.constData());
+        QCOMPARE(r.status, 201);
+        const QJsonObject media = r.object();
+        QCOMPARE(media.value("width").toInt(), width);
+        QCOMPARE(media.value("height").toInt(), height);
+        QCOMPARE(media.value("origin").toString(), QStringLiteral("upload"));
+        for (const char *key : {"id", "url", "source_url", "author", "licence", "title"})
+            QVERIFY2(media.contains(key), key);
+        const QString url = media.value("url").toString();
+        QVERIFY(url.startsWith(QStringLiteral("/media/%1/").arg(media.value("id").toInteger())));
+
+        // Served back as stored, to anyone who has the address.
+        Api anyone(server.baseUrl());
+        const Api::Reply file = anyone.get(url);
+        QCOMPARE(file.status, 200);
+        QCOMPARE(file.body, bytes);
+        QCOMPARE(file.header("Content-Type"), QString::fromLatin1(type));
+        QCOMPARE(anyone.get(url.left(url.lastIndexOf('/') + 1) + QString(32, '0') + ".png").status,
+                 404);
+    }
+
+    void refusals()
+    {
+        QCOMPARE(api->postRaw("/api/media", "just words", "image/png").status, 415);
+        QCOMPARE(api->postRaw("/api/media", png(4, 4), "image/bmp").status, 415);
+        QCOMPARE(api->postRaw("/api/media", png(4, 4), "text/plain").status, 415);
+        const Api::Reply big =
+            api->postRaw("/api/media", png(4, 4) + QByteArray(10 * 1024 * 1024, 'x'), "image/png");
+        QCOMPARE(big.status, 413);
+        QVERIFY(!big.error().isEmpty());
+        Api stranger(server.baseUrl());
+        QCOMPARE(stranger.postRaw("/api/media", png(4, 4), "image/png").status, 401);
+    }
+
+    void importAndSearch()
+    {
+        httplib::Server web;
+        const QByteArray picture = png(50, 60);
+        web.Get("/cat.png", [&](const httplib::Request &, httplib::Response &res) {
+            res.set_content(picture.toStdString(), "image/png");
+        });
+        web.Get("/page.html", [](const httplib::Request &, httplib::Response &res) {
+            res.set_content("<html></html>", "text/html");
+        });
+        const int port = web.bind_to_any_port("127.0.0.1");
+        std::thread serving([&] { web.listen_after_bind(); });
+        const QString origin = QStringLiteral("http://127.0.0.1:%1").arg(port);
+
+        const Api::Reply imported =
+            api->post("/api/media/import", QJsonObject{{"url", origin + "/cat.png"},
+                                                       {"thumb", origin + "/cat.png"},
+                                                       {"title", "Eine schläfrige Katze"},
+                                                       {"author", "Mia"},
+                                                       {"licence", "CC BY 4.0"},
+                                                       {"origin", "openverse"},
+                                                       {"source_url", origin + "/page.html"}});
+        QCOMPARE(imported.status, 201);
+        const QJsonObject media = imported.object();
+        QCOMPARE(media.value("width").toInt(), 50);
+        QCOMPARE(media.value("author").toString(), QStringLiteral("Mia"));
+        QCOMPARE(media.value("licence").toString(), QStringLiteral("CC BY 4.0"));
+        QCOMPARE(api->get(media.value("url").toString()).body, picture);
+
+        QCOMPARE(api->post("/api/media/import", QJsonObject{{"url", origin + "/page.html"}}).status,
+                 415);
+        QCOMPARE(
+            api->post("/api/media/import", QJsonObject{{"url", origin + "/missing.png"}}).status,
+            422);
+        // One's own picture comes back as it is.
+        const Api::Reply own =
+            api->post("/api/media/import", QJsonObject{{"url", media.value("url")}});
+        QCOMPARE(own.status, 200);
+        QCOMPARE(own.object().value("id"), media.value("id"));
+        web.stop();
+        serving.join();
+
+        const QJsonObject found =
+            api->get("/api/media/search?q=SCHLAFRIGE&deck=&kind=img").object();
+        QCOMPARE(found.value("query").toString(), QStringLiteral("SCHLAFRIGE"));
+        const QJsonArray results = found.value("results").toArray();
+        QCOMPARE(results.size(), 1);
+        QCOMPARE(results.first().toObject().value("url"), media.value("url"));
+        for (const char *key :
+             {"thumb", "width", "height", "title", "author", "licence", "source_url", "origin"})
+            QVERIFY2(results.first().toObject().contains(key), key);
+        const QJsonObject sources = found.value("sources").toObject();
+        QVERIFY(sources.contains("tenor") && sources.contains("giphy"));
+        QCOMPARE(api->get("/api/media/search?q=katze&kind=gif")
+                     .object()
+                     .value("results")
+                     .toArray()
+                     .size(),
+                 0);
+
+        // A picture placed on a note line is found by the line's words.
+        const qint64 deck = api->deck().value("id").toInteger();
+        const QJsonObject note = api->post(QStringLiteral("/api/decks/%1/notes").arg(deck),
+                                           QJsonObject{{"title", ""}, {"text", ""}})
+                                     .object();
+        const QJsonObject upload = api->postRaw("/api/media", gif(8, 8), "image/gif").object();
+        const Api::Reply saved = api->patch(
+            QStringLiteral("/api/notes/%1").arg(note.value("id").toInteger()),
+            QJsonObject{{"title", ""},
+                        {"lines", QJsonArray{QJsonObject{{"text", "der Regenschirm"},
+                                                         {"media_id", upload.value("id")},
+                                                         {"source", ""},
+                                                         {"kind", ""},
+                                                         {"annotations", QJsonArray()}}}}});
+        QCOMPARE(saved.status, 200);
+        QCOMPARE(saved.object()
+                     .value("lines")
+                     .toArray()
+                     .first()
+                     .toObject()
+                     .value("media")
+                     .toObject()
+                     .value("url"),
+                 upload.value("url"));
+        const QJsonArray byLine =
+            api->get("/api/media/search?q=regenschirm").object().value("results").toArray();
+        QCOMPARE(byLine.size(), 1);
+        QCOMPARE(byLine.first().toObject().value("animated").toBool(), false);
+        // Only moving pictures answer a search for moving ones.
+        QCOMPARE(api->get("/api/media/search?q=regenschirm&kind=gif")
+                     .object()
+                     .value("results")
+                     .toArray()
+                     .size(),
+                 0);
+    }
+
+    void movingPicturesFromProvidersWithKeys()
+    {
+        httplib::Server providers;
+        std::string giphyQuery, tenorKey;
+        providers.Get("/v1/gifs/search", [&](const httplib::Request &req, httplib::Response &res) {
+            giphyQuery = req.get_param_value("q");
+            res.set_content(
+                R"({"data":[{"title":"Dancing cat","username":"mia","url":"https://giphy.example/cat",)"
+                R"("images":{"original":{"url":"https://media.example/cat.gif","width":"480","height":"270"},)"
+                R"("fixed_width_small":{"url":"https://media.example/cat-small.gif"}}}]})",
+                "application/json");
+        });
+        providers.Get("/v2/search", [&](const httplib::Request &req, httplib::Response &res) {
+            tenorKey = req.get_param_value("key");
+            res.status = 500; // a provider that fails adds nothing
+        });
+        const int port = providers.bind_to_any_port("127.0.0.1");
+        std::thread serving([&] { providers.listen_after_bind(); });
+        const QByteArray base = "http://127.0.0.1:" + QByteArray::number(port);
+        qputenv("GIPHY_API_KEY", "giphy-key");
+        qputenv("TENOR_API_KEY", "tenor-key");
+        qputenv("ORVEL_GIPHY_URL", base);
+        qputenv("ORVEL_TENOR_URL", base);
+        ServerProcess keyed({"--local"});
+        const bool started = startServer(keyed);
+        for (const char *name :
+             {"GIPHY_API_KEY", "TENOR_API_KEY", "ORVEL_GIPHY_URL", "ORVEL_TENOR_URL"})
+            qunsetenv(name);
+        QVERIFY(started);
+        Api learner(keyed.baseUrl());
+        learner.join("gifs@example.org");
+
+        const QJsonObject reply = learner.get("/api/media/search?q=happy%20cat&kind=gif").object();
+        QCOMPARE(reply.value("sources").toObject().value("giphy").toBool(), true);
+        QCOMPARE(reply.value("sources").toObject().value("tenor").toBool(), true);
+        const QJsonArray results = reply.value("results").toArray();
+        QCOMPARE(results.size(), 1);
+        const QJsonObject cat = results.first().toObject();
+        QCOMPARE(cat.value("url").toString(), QStringLiteral("https://media.example/cat.gif"));
+        QCOMPARE(cat.value("thumb").toString(),
+                 QStringLiteral("https://media.example/cat-small.gif"));
+        QCOMPARE(cat.value("width").toInt(), 480);
+        QCOMPARE(cat.value("author").toString(), QStringLiteral("mia"));
+        QCOMPARE(cat.value("origin").toString(), QStringLiteral("giphy"));
+        QCOMPARE(giphyQuery, std::string("happy cat"));
+        QCOMPARE(tenorKey, std::string("tenor-key"));
+        // Still pictures are not asked of the moving-picture providers.
+        giphyQuery.clear();
+        QVERIFY(learner.get("/api/media/search?q=happy%20cat")
+                    .object()
+                    .value("results")
+                    .toArray()
+                    .isEmpty());
+        QVERIFY(giphyQuery.empty());
+        providers.stop();
+        serving.join();
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMedia)
+#include "tst_media.moc"

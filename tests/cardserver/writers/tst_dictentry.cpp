@@ -1,0 +1,154 @@
+#include "writers/dictentry.h"
+#include "writers/genderarticle.h"
+#include "writers/germanverbforms.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QtTest>
+
+using namespace cardserver;
+
+static const char *kHund = R"(Hund /hˈʊnt/ <masc, n, sg>
+ [zool.] dog <n>, dawg <n>
+         Note: used to represent American speech
+      "einen Hund abrichten"  - train a dog
+      "Schlafende Hunde soll man nicht wecken."  - Let sleeping dogs lie.
+ see: {Hunde}, {Haushund}, {Pflegehund}, {knurriger Hund}
+   Synonyms: {Förderwagen}, {Grubenwagen}
+)";
+
+class TestDictEntry : public QObject {
+    Q_OBJECT
+private slots:
+    void parsesAFullGermanEntry()
+    {
+        const DictEntry e = DictEntry::parse(QString::fromUtf8(kHund));
+        QCOMPARE(e.headword, "Hund");
+        QCOMPARE(e.reading, "hˈʊnt");
+        QCOMPARE(e.tags, (QStringList{"masc", "n", "sg"}));
+        QCOMPARE(e.partOfSpeech(), "noun");
+        QCOMPARE(e.genderCode(), "masc");
+        QCOMPARE(e.senses.size(), 1);
+        const DictSense &s = e.senses.first();
+        QCOMPARE(s.translations, (QStringList{"dog", "dawg"}));
+        QCOMPARE(s.labels, QStringList{"zool."});
+        QCOMPARE(s.notes, QStringList{"used to represent American speech"});
+        QCOMPARE(s.examples.size(), 2);
+        QCOMPARE(s.examples[0], (DictExample{"einen Hund abrichten", "train a dog"}));
+        QCOMPARE(s.examples[1], (DictExample{"Schlafende Hunde soll man nicht wecken.",
+                                             "Let sleeping dogs lie."}));
+        QCOMPARE(e.seeAlso, (QStringList{"Hunde", "Haushund", "Pflegehund", "knurriger Hund"}));
+        QCOMPARE(e.synonyms, (QStringList{"Förderwagen", "Grubenwagen"}));
+        QCOMPARE(e.exampleCount(), 2);
+    }
+
+    void parsesTerseAndNumberedEntries()
+    {
+        const DictEntry chien = DictEntry::parse("chien /ʃi/ <n, masc>\ndog\n");
+        QCOMPARE(chien.headword, "chien");
+        QCOMPARE(chien.reading, "ʃi");
+        QCOMPARE(chien.genderCode(), "masc");
+        QCOMPARE(chien.senses.size(), 1);
+        QCOMPARE(chien.senses[0].translations, QStringList{"dog"});
+
+        const DictEntry aller = DictEntry::parse("aller /ale/ <v>\n1. fare\n2. go, ride, travel\n");
+        QCOMPARE(aller.partOfSpeech(), "verb");
+        QCOMPARE(aller.senses.size(), 2);
+        QCOMPARE(aller.senses[1].translations, (QStringList{"go", "ride", "travel"}));
+
+        // No reading, no tags: still a headword and a sense.
+        const DictEntry casa = DictEntry::parse("casa\nhouse\n");
+        QCOMPARE(casa.headword, "casa");
+        QVERIFY(casa.reading.isEmpty());
+        QVERIFY(casa.partOfSpeech().isEmpty());
+        QCOMPARE(casa.senses[0].translations, QStringList{"house"});
+
+        // Inline labels and tags leave the translations; commas inside brackets do not split.
+        const DictEntry wagen = DictEntry::parse("Hund /hˈʊnt/ <masc, n, sg>\nmine car <n>, corf "
+                                                 "<n> [Br.] , cocoa pan (small, old) <n>\n");
+        QCOMPARE(wagen.senses[0].translations,
+                 (QStringList{"mine car", "corf", "cocoa pan (small, old)"}));
+        QVERIFY(wagen.senses[0].labels.isEmpty());
+
+        // Notes after the blank line gloss the headword in German; they are not usage notes.
+        const DictEntry schoen = DictEntry::parse(
+            "schön /ʃˈøːn/ <adj>\nfair <adj>\n         Note: weather\n   Synonym: {heiter}\n\n"
+            "         Note: Wetter\n");
+        QCOMPARE(schoen.senses[0].notes, QStringList{"weather"});
+        QCOMPARE(schoen.synonyms, QStringList{"heiter"});
+        QVERIFY(DictEntry::parse("").headword.isEmpty());
+    }
+
+    void namesPartsOfSpeech()
+    {
+        const auto pos = [](const char *tags) {
+            return DictEntry::parse(QStringLiteral("x <%1>\ny\n").arg(tags)).partOfSpeech();
+        };
+        QCOMPARE(pos("v, intr"), "intransitive verb");
+        QCOMPARE(pos("v, trans"), "transitive verb");
+        QCOMPARE(pos("v, refl"), "reflexive verb");
+        QCOMPARE(pos("vt"), "transitive verb");
+        QCOMPARE(pos("adj"), "adjective");
+        QCOMPARE(pos("adv"), "adverb");
+        QCOMPARE(pos("pl"), "noun (plural)");
+        QCOMPARE(pos("fem, n, sg"), "noun");
+        QCOMPARE(pos("prep"), "preposition");
+        QCOMPARE(pos("art"), "article");
+        QCOMPARE(DictEntry::parse("x <masc, fem, n, sg>\ny\n").genderCode(), "masc/fem");
+    }
+
+    void givesEachLanguageItsArticles()
+    {
+        QCOMPARE(genderArticle("de", "masc"), "der");
+        QCOMPARE(genderArticle("de", "fem"), "die");
+        QCOMPARE(genderArticle("de", "neut"), "das");
+        QCOMPARE(genderArticle("de", "masc/fem"), "der/die");
+        QCOMPARE(genderArticle("fr", "masc"), "le");
+        QCOMPARE(genderArticle("fr", "fem"), "la");
+        QCOMPARE(genderArticle("es", "masc"), "el");
+        QCOMPARE(genderArticle("es", "fem"), "la");
+        QCOMPARE(genderArticle("it", "masc"), "il");
+        QCOMPARE(genderArticle("it", "fem"), "la");
+        QCOMPARE(genderArticle("pt", "masc"), "o");
+        QCOMPARE(genderArticle("pt", "fem"), "a");
+        QCOMPARE(genderArticle("nl", "masc"), "de");
+        QCOMPARE(genderArticle("nl", "fem"), "de");
+        QCOMPARE(genderArticle("nl", "neut"), "het");
+        QCOMPARE(genderArticle("nl", "masc/fem"), "de");
+        QCOMPARE(genderArticle("de-AT", "neut"), "das");
+        QCOMPARE(genderArticle("fr", "neut"), "");
+        QCOMPARE(genderArticle("de", ""), "");
+        QCOMPARE(genderArticle("ja", "masc"), "");
+    }
+
+    void readsGermanVerbFormsFromSeeLists()
+    {
+        const QList<DictEntry> entries{
+            DictEntry::parse("essen /ˈɛsn/ <v>\neat <v>\n see: {essend}, {gegessen}, {ich esse}, "
+                             "{du isst}, {ich/er/sie aß}, {wir/sie aßen}, {ich/er/sie äße}, "
+                             "{iss!}, {auswärts essen}\n"),
+            // Forms of other verbs of the same sense are not the verb's own.
+            DictEntry::parse(
+                "essen /ˈɛsn/ <v>\ndine <v>\n see: {speisend}, {essend}, {gespeist}\n")};
+        const QJsonArray tables = germanVerbForms("essen", entries);
+        QCOMPARE(tables.size(), 5);
+        const auto table = [&](int i) {
+            QStringList out;
+            for (const QJsonValue &f : tables[i]["forms"].toArray())
+                out.append(f["label"].toString() + '=' + f["form"].toString());
+            return tables[i]["tense"].toString() + ": " + out.join(", ");
+        };
+        QCOMPARE(table(0), "Present: ich=esse, du=isst");
+        QCOMPARE(table(1), "Simple past: ich/er/sie=aß, wir/sie=aßen");
+        QCOMPARE(table(2), "Subjunctive II: ich/er/sie=äße");
+        QCOMPARE(table(3), "Imperative: du=iss!");
+        QCOMPARE(table(4), "Participles: present=essend, past=gegessen");
+        QCOMPARE(tables[0]["note"].toString(), "");
+
+        QVERIFY(germanVerbForms("essen", {entries[1]}).isEmpty());
+        QVERIFY(germanVerbForms("Hund", {DictEntry::parse(QString::fromUtf8(kHund))}).isEmpty());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDictEntry)
+#include "tst_dictentry.moc"
