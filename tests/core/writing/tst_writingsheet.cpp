@@ -1,0 +1,159 @@
+#include "writing/motionpreference.h"
+#include "writing/writing.h"
+#include "writing/writingsheet.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace orvel;
+
+namespace {
+
+QString valueAt(const WritingSheet &sheet, int row)
+{
+    return sheet.data(sheet.index(row), WritingSheet::ValueRole).toString();
+}
+
+CardEvent text(const QString &field, const QString &value)
+{
+    return CardEvent{.kind = CardEvent::Kind::Text, .field = field, .value = value};
+}
+
+CardEvent count(const QString &field, int count)
+{
+    return CardEvent{.kind = CardEvent::Kind::Count, .field = field, .count = count};
+}
+
+} // namespace
+
+class TestWritingSheet : public QObject {
+    Q_OBJECT
+
+private slots:
+    void eventsFillTheRecordByFieldName()
+    {
+        Writing writing = Writing::begin(QStringLiteral("Hund"));
+        QCOMPARE(writing.input, QStringLiteral("Hund"));
+        QVERIFY(writing.id != Writing::begin(QStringLiteral("Hund")).id);
+        const Writing fresh = writing;
+
+        QVERIFY(!writing.take(text("gender", "der")));
+        QVERIFY(!writing.take(text("usage", "x"))); // the wire name is usage_notes
+        QVERIFY(!writing.take(count("related", 3)));
+        QVERIFY(!writing.take(CardEvent{.kind = CardEvent::Kind::Card}));
+        QVERIFY(!writing.take(CardEvent{}));
+        QCOMPARE(writing, fresh);
+
+        QVERIFY(writing.take(text("term", "der Hund")));
+        QVERIFY(writing.take(text("translation", "dog")));
+        QVERIFY(writing.take(text("definition", "a pet")));
+        QVERIFY(writing.take(text("usage_notes", "common")));
+        QVERIFY(writing.take(count("examples", 3)));
+        QVERIFY(writing.take(count("conjugations", 6)));
+        QVERIFY(!writing.take(count("conjugations", 6))); // the same value again is no change
+        QCOMPARE(writing.term, QStringLiteral("der Hund"));
+        QCOMPARE(writing.translation, QStringLiteral("dog"));
+        QCOMPARE(writing.definition, QStringLiteral("a pet"));
+        QCOMPARE(writing.usage, QStringLiteral("common"));
+        QCOMPARE(writing.examples, 3);
+        QCOMPARE(writing.conjugations, 6);
+        QVERIFY(writing.take(CardEvent{.kind = CardEvent::Kind::Failed, .message = "Gave up."}));
+        QCOMPARE(writing.trouble, std::optional<QString>("Gave up."));
+
+        QCOMPARE(Writing::narrationFor(text("translation", "dog")),
+                 std::optional<QString>("translation: dog"));
+        QCOMPARE(Writing::narrationFor(count("examples", 3)),
+                 std::optional<QString>("examples: 3"));
+        QCOMPARE(Writing::narrationFor(CardEvent{.kind = CardEvent::Kind::Card}), std::nullopt);
+    }
+
+    void rowsArePendingUntilTheirValueArrives()
+    {
+        WritingSheet sheet;
+        QCOMPARE(sheet.rowCount(), 6);
+        QStringList labels;
+        for (int row = 0; row < 6; ++row) {
+            labels.append(sheet.data(sheet.index(row), WritingSheet::LabelRole).toString());
+            QVERIFY(!sheet.data(sheet.index(row), WritingSheet::FilledRole).toBool());
+        }
+        QCOMPARE(labels,
+                 (QStringList{"TERM", "MEANS", "DEFINITION", "USAGE", "EXAMPLES", "PARADIGM"}));
+        QCOMPARE(sheet.footer(),
+                 QStringLiteral("This takes a few seconds. It keeps going if you close this."));
+
+        Writing writing = Writing::begin(QStringLiteral("Katze"));
+        sheet.setWriting(writing);
+        QCOMPARE(sheet.input(), QStringLiteral("Katze"));
+        QCOMPARE(sheet.heading(), QStringLiteral("WRITING"));
+
+        QSignalSpy changed(&sheet, &QAbstractItemModel::dataChanged);
+        writing.translation = QStringLiteral("cat");
+        sheet.setWriting(writing);
+        QCOMPARE(changed.size(), 1);
+        QCOMPARE(changed[0][0].toModelIndex().row(), 1);
+        QVERIFY(sheet.data(sheet.index(1), WritingSheet::FilledRole).toBool());
+        QCOMPARE(valueAt(sheet, 1), QStringLiteral("cat"));
+        sheet.setWriting(writing); // no change, no report
+        QCOMPARE(changed.size(), 1);
+    }
+
+    void countsReadAsSentencesAndTenses_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QString>("examples");
+        QTest::addColumn<QString>("paradigm");
+        QTest::newRow("none") << 0 << ""
+                              << "";
+        QTest::newRow("one") << 1 << "1 sentence"
+                             << "1 tense";
+        QTest::newRow("three") << 3 << "3 sentences"
+                               << "3 tenses";
+    }
+
+    void countsReadAsSentencesAndTenses()
+    {
+        QFETCH(int, count);
+        QFETCH(QString, examples);
+        QFETCH(QString, paradigm);
+        WritingSheet sheet;
+        Writing writing;
+        writing.examples = count;
+        writing.conjugations = count;
+        sheet.setWriting(writing);
+        QCOMPARE(valueAt(sheet, 4), examples);
+        QCOMPARE(valueAt(sheet, 5), paradigm);
+        QCOMPARE(sheet.data(sheet.index(4), WritingSheet::FilledRole).toBool(), count > 0);
+    }
+
+    void aFailedWritingIsNotWrittenButKeepsItsRows()
+    {
+        WritingSheet sheet;
+        Writing writing = Writing::begin(QStringLiteral("Hnud"));
+        writing.term = QStringLiteral("Hnud");
+        writing.examples = 1;
+        writing.trouble = QStringLiteral("Not a German word.");
+        sheet.setWriting(writing);
+        QVERIFY(sheet.failed());
+        QCOMPARE(sheet.heading(), QStringLiteral("NOT WRITTEN"));
+        QCOMPARE(sheet.trouble(), QStringLiteral("Not a German word."));
+        QCOMPARE(valueAt(sheet, 0), QStringLiteral("Hnud"));
+        QCOMPARE(valueAt(sheet, 4), QStringLiteral("1 sentence"));
+        QCOMPARE(sheet.filledCount(), 2);
+
+        QSignalSpy hidden(&sheet, &WritingSheet::hidden);
+        sheet.hide();
+        QCOMPARE(hidden.size(), 1);
+    }
+
+    void theEnvironmentCanAskForReducedMotion()
+    {
+        qputenv("ORVEL_REDUCE_MOTION", "1");
+        QVERIFY(MotionPreference().reduced());
+        qputenv("ORVEL_REDUCE_MOTION", "0");
+        QVERIFY(!MotionPreference::desktopAsksForReducedMotion());
+        qunsetenv("ORVEL_REDUCE_MOTION");
+    }
+};
+
+QTEST_GUILESS_MAIN(TestWritingSheet)
+#include "tst_writingsheet.moc"
