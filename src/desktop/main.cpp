@@ -1,0 +1,103 @@
+// orvel: the desktop app's entry. It keeps to one process per user (a later launch hands its
+// arguments over and exits), makes the app state, installs the Linux adapters, loads the QML
+// window and restores the session.
+#include "app/appcommands.h"
+#include "app/appstate.h"
+#include "app/browser.h"
+#include "app/instancechannel.h"
+#include "app/launchrequest.h"
+#include "app/serviceprovider.h"
+#include "app/speechsound.h"
+#include "platform/audio/qtaudiooutput.h"
+#include "platform/brand.h"
+#include "platform/colourscheme.h"
+#include "platform/launchhandler.h"
+#include "platform/starttime.h"
+#include "server/apiclient.h"
+#include "sound/speech.h"
+
+#include <cstdio>
+#include <QDebug>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QQmlApplicationEngine>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(OrvelPlugin)
+Q_IMPORT_QML_PLUGIN(Orvel_CorePlugin)
+
+using namespace orvel;
+
+int main(int argc, char *argv[])
+{
+    StartTime::markMain();
+    QGuiApplication app(argc, argv);
+    QGuiApplication::setApplicationName(QStringLiteral("orvel"));
+    QGuiApplication::setApplicationDisplayName(QStringLiteral("Orvel"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("orvel"));
+
+    const QStringList arguments = QGuiApplication::arguments().mid(1);
+    const LaunchRequest request = LaunchRequest::parse(arguments);
+
+    InstanceChannel channel;
+    if (!channel.listen()) {
+        if (channel.sendToRunning(arguments))
+            return 0;
+        qWarning()
+            << "orvel: another instance holds the channel but did not answer; starting anyway";
+    }
+
+    QQuickStyle::setStyle(QStringLiteral("Basic"));
+    Brand::family();
+    Browser::setOpener([](const QUrl &url) { return QDesktopServices::openUrl(url); });
+
+    // Spoken clips go through the desktop's sound server; the shared player is made on first use.
+    QtAudioOutput audio;
+    Speech::useOutput(&audio);
+
+    APIClient &api = APIClient::shared();
+    AppState state(api);
+    AppState::setInstance(&state);
+    SpeechSound sound(Speech::shared());
+    state.setSound(&sound);
+
+    ColourScheme scheme;
+    state.setSystemIsDark(scheme.dark());
+    QObject::connect(&scheme, &ColourScheme::darkChanged, &state, &AppState::setSystemIsDark);
+
+    AppCommands &commands = AppCommands::shared();
+    QObject::connect(
+        &commands, &AppCommands::notified, [](const QString &name, const QString &text) {
+            qInfo().noquote() << "orvel:" << name << (text.isEmpty() ? QString() : text);
+        });
+    ServiceProvider services(commands);
+    LaunchHandler launches(services);
+    QObject::connect(&channel, &InstanceChannel::received, &launches,
+                     &LaunchHandler::handleArguments);
+
+    QQmlApplicationEngine engine;
+    engine.load(QUrl(QStringLiteral("qrc:/Orvel/Main.qml")));
+    auto *window = engine.rootObjects().isEmpty()
+                       ? nullptr
+                       : qobject_cast<QQuickWindow *>(engine.rootObjects().constFirst());
+    if (!window) {
+        qCritical() << "orvel: the main window could not be loaded";
+        return 1;
+    }
+    launches.setWindow(window);
+    if (request.timings) {
+        auto connection = std::make_shared<QMetaObject::Connection>();
+        *connection = QObject::connect(window, &QQuickWindow::frameSwapped, window, [connection] {
+            QObject::disconnect(*connection);
+            std::printf("orvel: first frame %lld ms after process start (%lld ms after main)\n",
+                        StartTime::sinceProcessStart(), StartTime::sinceMain());
+            std::fflush(stdout);
+        });
+    }
+
+    launches.handle(request, false);
+    state.restore();
+    return app.exec();
+}

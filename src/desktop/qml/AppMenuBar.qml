@@ -1,0 +1,73 @@
+import QtQuick
+import QtQuick.Controls
+import Orvel
+import Orvel.Core
+
+// The main menu. "New" commands are posted to whichever screen can act on them.
+MenuBar {
+    id: bar
+
+    property bool signedIn: false
+
+    signal settingsRequested()
+    signal quitRequested()
+
+    font.family: Theme.uiFamily
+    font.pixelSize: Theme.secondary
+
+    background: Rectangle {
+        implicitHeight: Math.round(28 * Theme.scale)
+        color: Theme.sidebar
+        Rectangle {
+            anchors.bottom: parent.bottom
+            width: parent.width
+            height: 1
+            color: Theme.line
+        }
+    }
+
+    Menu {
+        title: "&File"
+
+        Action {
+            text: "New Deck"
+            shortcut: "Ctrl+N"
+            enabled: bar.signedIn
+            onTriggered: AppCommands.post("newDeck")
+        }
+        Action {
+            text: "New Note"
+            shortcut: "Ctrl+Shift+N"
+            enabled: bar.signedIn
+            onTriggered: AppCommands.post("newNote")
+        }
+        Action {
+            text: "New Folder"
+            shortcut: "Ctrl+Alt+N"
+            enabled: bar.signedIn
+            onTriggered: AppCommands.post("newFolder")
+        }
+        MenuSeparator {}
+        Action {
+            text: "Settings…"
+            shortcut: "Ctrl+,"
+            enabled: bar.signedIn
+            onTriggered: bar.settingsRequested()
+        }
+        MenuSeparator {}
+        Action {
+            text: "Quit"
+            shortcut: "Ctrl+Q"
+            onTriggered: bar.quitRequested()
+        }
+    }
+    Menu {
+        title: "&Help"
+
+        Action {
+            text: "Orvel Manual"
+            shortcut: "F1"
+            onTriggered: AppCommands.post("manual")
+        }
+    }
+}

@@ -1,0 +1,87 @@
+import QtQuick
+import QtQuick.Controls
+import Orvel
+import Orvel.Core
+
+// The main window: the menu, and the sign-in or home screen depending on who is signed in.
+ApplicationWindow {
+    id: window
+
+    title: "Orvel"
+    width: 1100
+    height: 720
+    minimumWidth: 760
+    minimumHeight: 520
+    visible: true
+    color: Theme.window
+
+    palette.window: Theme.window
+    palette.windowText: Theme.text
+    palette.base: Theme.surface
+    palette.text: Theme.text
+    palette.button: Theme.surface
+    palette.buttonText: Theme.text
+    palette.highlight: Theme.accent
+    palette.highlightedText: Theme.accentText
+    palette.placeholderText: Theme.secondaryText
+    palette.mid: Theme.line
+    palette.light: Theme.surface
+    palette.dark: Theme.line
+    palette.toolTipBase: Theme.surface
+    palette.toolTipText: Theme.text
+
+    menuBar: AppMenuBar {
+        signedIn: AppState.signedIn
+        onSettingsRequested: settings.showAndRaise()
+        onQuitRequested: Qt.quit()
+    }
+
+    Loader {
+        id: screen
+        anchors.fill: parent
+        sourceComponent: AppState.auth === AppState.SignedIn ? homeScreen
+                       : AppState.auth === AppState.SignedOut ? signInScreen
+                       : null
+    }
+
+    Component {
+        id: signInScreen
+        SignInScreen {}
+    }
+    Component {
+        id: homeScreen
+        HomeScreen {}
+    }
+
+    // The study session covers the window when the study command names decks to study.
+    StudyOverlay {
+        anchors.fill: parent
+    }
+
+    SettingsWindow {
+        id: settings
+
+        function showAndRaise() {
+            show()
+            raise()
+            requestActivate()
+        }
+    }
+
+    Connections {
+        target: screen.item
+        ignoreUnknownSignals: true
+        function onSettingsRequested() {
+            settings.showAndRaise()
+        }
+    }
+
+    // Signing out closes the settings window with the account in it.
+    Connections {
+        target: AppState
+        function onAuthChanged() {
+            if (!AppState.signedIn)
+                settings.close()
+        }
+    }
+}

@@ -1,0 +1,143 @@
+import QtQuick
+import QtQuick.Controls
+import QtQuick.Layouts
+import Orvel
+import Orvel.Core
+
+// The signed-in window: the shelf of decks on the left, the open deck's cards in the middle and
+// the chosen card on the right. Until a deck is open the right side says so.
+Rectangle {
+    id: home
+
+    signal settingsRequested()
+
+    color: Theme.window
+
+    RowLayout {
+        anchors.fill: parent
+        spacing: 0
+
+        // The shelf.
+        Rectangle {
+            Layout.fillHeight: true
+            Layout.preferredWidth: 240 * Theme.scale
+            color: Theme.sidebar
+
+            ColumnLayout {
+                anchors.fill: parent
+                anchors.margins: Theme.l
+                spacing: Theme.m
+
+                OLabel {
+                    text: "orvel"
+                    font.family: Theme.displayFamily
+                    font.pixelSize: Theme.deckTitle
+                }
+                ShelfSidebar {
+                    Layout.fillWidth: true
+                    Layout.fillHeight: true
+                    home: homeView
+                }
+                RowLayout {
+                    Layout.fillWidth: true
+                    spacing: Theme.s
+
+                    OLabel {
+                        Layout.fillWidth: true
+                        elide: Text.ElideRight
+                        color: Theme.secondaryText
+                        font.pixelSize: Theme.secondary
+                        text: AppState.userDisplayName
+                    }
+                    OButton {
+                        // Quick add, while no deck is open to type into.
+                        visible: !homeView.hasSelectedDeck && homeView.hasDecks
+                        text: "Add to a deck"
+                        display: AbstractButton.IconOnly
+                        icon.source: "qrc:/Orvel/resources/icons/plus.svg"
+                        implicitWidth: implicitHeight
+                        leftPadding: 0
+                        rightPadding: 0
+                        ToolTip.visible: hovered
+                        ToolTip.text: text
+                        onClicked: quickAdd.openWith("")
+                    }
+                    OButton {
+                        text: "Settings"
+                        display: AbstractButton.IconOnly
+                        icon.source: "qrc:/Orvel/resources/icons/gear.svg"
+                        implicitWidth: implicitHeight
+                        leftPadding: 0
+                        rightPadding: 0
+                        ToolTip.visible: hovered
+                        ToolTip.text: text
+                        onClicked: home.settingsRequested()
+                    }
+                }
+            }
+        }
+        Rectangle {
+            Layout.fillHeight: true
+            implicitWidth: 1
+            color: Theme.line
+        }
+
+        // The cards of the open deck.
+        CardColumn {
+            Layout.fillHeight: true
+            Layout.preferredWidth: 360 * Theme.scale
+            home: homeView
+            header: Component {
+                ComposerBar {
+                    home: homeView
+                }
+            }
+        }
+        Rectangle {
+            Layout.fillHeight: true
+            implicitWidth: 1
+            color: Theme.line
+        }
+
+        // The chosen card.
+        CardDetailPane {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            home: homeView
+        }
+    }
+
+    // The shelf's and the open deck's logic.
+    HomeView {
+        id: homeView
+        Component.onCompleted: reload()
+    }
+
+    // Quick add: from the sidebar, and from the quickAdd command (orvel --add "word").
+    QuickAddDialog {
+        id: quickAdd
+        onAdded: (deck, card) => {
+            homeView.reload()
+            if (homeView.selectedDeckId === deck.id)
+                homeView.cards.open(deck.id)
+        }
+    }
+    Connections {
+        target: AppCommands
+        function onNotified(notification, text) {
+            if (notification === "zelon.command.quickAdd")
+                quickAdd.openWith(text)
+        }
+    }
+
+    WelcomeSheet {
+        id: welcome
+    }
+
+    WelcomeDialog {
+        id: welcomeDialog
+        sheet: welcome
+    }
+
+    Component.onCompleted: if (welcome.due) welcomeDialog.open()
+}

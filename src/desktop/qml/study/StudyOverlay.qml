@@ -1,0 +1,36 @@
+import QtQuick
+import Orvel
+import Orvel.Core
+
+// The study session over the whole window. The study command (Ctrl+R, a deck's study button,
+// "Study All Decks") carries the ids of the decks to study; this opens a session over them and
+// closes again on "Close" or Escape. It stays alive while hidden, so the replies to answers
+// still reach `reviewed` after the session was closed.
+StudyScreen {
+    id: overlay
+
+    visible: false
+    z: 10
+
+    onCloseRequested: {
+        Speech.stop()
+        overlay.visible = false
+    }
+
+    Connections {
+        target: AppCommands
+        function onNotified(notification, text) {
+            if (notification !== "zelon.command.study" || !AppState.signedIn)
+                return
+            if (overlay.study.studyDecks(text))
+                overlay.visible = true
+        }
+    }
+    Connections {
+        target: AppState
+        function onAuthChanged() {
+            if (!AppState.signedIn)
+                overlay.closeRequested()
+        }
+    }
+}

@@ -1,0 +1,186 @@
+#include "app/appstate.h"
+#include "app/browser.h"
+#include "app/signinview.h"
+#include "app/welcomesheet.h"
+#include "scriptedserver.h"
+#include "server/apiclient.h"
+#include "server/localsettings.h"
+
+#include <QDirIterator>
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickStyle>
+#include <QQuickWindow>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QtQml/qqmlextensionplugin.h>
+
+Q_IMPORT_QML_PLUGIN(OrvelPlugin)
+Q_IMPORT_QML_PLUGIN(Orvel_CorePlugin)
+
+using namespace orvel;
+
+namespace {
+
+// Every warning the QML engine (or anything else) prints while a test runs.
+QStringList &warnings()
+{
+    static QStringList list;
+    return list;
+}
+
+QtMessageHandler previousHandler = nullptr;
+
+void collect(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    if (type == QtWarningMsg || type == QtCriticalMsg || type == QtFatalMsg)
+        warnings().append(message);
+    previousHandler(type, context, message);
+}
+
+const QByteArray ana = R"({"id":7,"email":"ana@example.org","display_name":"Ana"})";
+const QByteArray prefs = R"({"voices":{},"rate":1,"gain":1,"hear_on_flip":false,"skin":"night"})";
+
+} // namespace
+
+// Loads every QML file of the app and walks the screens through their states; any warning fails.
+class TestQmlLoad : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    ScriptedServer m_server;
+    std::unique_ptr<APIClient> m_api;
+    std::unique_ptr<AppState> m_state;
+    QList<QUrl> m_opened;
+
+    void expectNoWarnings(const char *where)
+    {
+        const QStringList seen = warnings();
+        warnings().clear();
+        QVERIFY2(seen.isEmpty(), qPrintable(QString::fromLatin1(where) + ":\n" + seen.join('\n')));
+    }
+
+private slots:
+    void initTestCase()
+    {
+        LocalSettings::useFile(m_dir.filePath("orvel.conf"));
+        QQuickStyle::setStyle(QStringLiteral("Basic"));
+        m_server.reply("GET", "/api/auth/me", 200, ana);
+        m_server.reply("GET", "/api/settings", 200, prefs);
+        m_server.reply("PATCH", "/api/settings", 200, prefs);
+        m_server.reply("GET", "/api/auth/options", 200,
+                       R"({"google":true,"apple":true,"signup":true})");
+        m_api =
+            std::make_unique<APIClient>(m_server.baseUrl(), m_dir.filePath("cookies"), QString());
+        m_state = std::make_unique<AppState>(*m_api);
+        AppState::setInstance(m_state.get());
+        Browser::setOpener([this](const QUrl &url) {
+            m_opened.append(url);
+            return true;
+        });
+        previousHandler = qInstallMessageHandler(collect);
+    }
+
+    void cleanupTestCase() { qInstallMessageHandler(previousHandler); }
+
+    void everyFileLoads()
+    {
+        QStringList files;
+        QDirIterator it(QStringLiteral(":/Orvel"), {QStringLiteral("*.qml")}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext())
+            files.append(it.next());
+        QVERIFY2(files.size() >= 15, qPrintable(files.join(' ')));
+
+        for (const QString &file : files) {
+            if (file.endsWith(QLatin1String("/Theme.qml")))
+                continue; // a singleton: made by the files that use it
+            QQmlEngine engine;
+            QQmlComponent component(&engine, QUrl(QStringLiteral("qrc") + file));
+            QVERIFY2(component.isReady(), qPrintable(file + ": " + component.errorString()));
+            WelcomeSheet sheet;
+            QVariantMap initial;
+            if (file.endsWith(QLatin1String("/WelcomeDialog.qml")))
+                initial.insert(QStringLiteral("sheet"), QVariant::fromValue(&sheet));
+            if (file.endsWith(QLatin1String("/ShelfRow.qml"))) // a delegate: the model's roles
+                initial = {{"kind", "deck"}, {"rowId", 3},    {"name", "Deutsch"}, {"count", 12},
+                           {"depth", 1},     {"open", false}, {"shortcut", 1}};
+            // Items go into a window, as they would in the app, so that popups have one.
+            QQuickWindow window;
+            std::unique_ptr<QObject> object(component.beginCreate(engine.rootContext()));
+            QVERIFY2(object, qPrintable(file + ": " + component.errorString()));
+            component.setInitialProperties(object.get(), initial);
+            if (auto *item = qobject_cast<QQuickItem *>(object.get()))
+                item->setParentItem(window.contentItem());
+            component.completeCreate();
+            QVERIFY2(component.errors().isEmpty(),
+                     qPrintable(file + ": " + component.errorString()));
+            QCoreApplication::processEvents();
+            expectNoWarnings(qPrintable(file));
+        }
+    }
+
+    void theWindowWalksThroughItsScreens()
+    {
+        QQmlEngine engine;
+        QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/Orvel/Main.qml")));
+        std::unique_ptr<QObject> root(component.create());
+        QVERIFY2(root, qPrintable(component.errorString()));
+        auto *window = qobject_cast<QQuickWindow *>(root.get());
+        QVERIFY(window);
+        QCOMPARE(window->title(), QStringLiteral("Orvel"));
+        expectNoWarnings("unknown");
+
+        // Signed out: the sign-in screen in each of its modes, light and dark.
+        QTest::qWait(1); // let the state settle before changing it
+        m_state->setAppearance(AppState::Appearance::Light);
+        QMetaObject::invokeMethod(m_state.get(), [this] { m_state->requestSignOut(); });
+        QTRY_COMPARE(m_state->auth(), AppState::Auth::SignedOut);
+        SignInView *view = nullptr;
+        QTRY_VERIFY((view = root->findChild<SignInView *>()));
+        QTRY_VERIFY(view->offersGoogle());
+        for (AppState::Appearance appearance :
+             {AppState::Appearance::Light, AppState::Appearance::Dark}) {
+            m_state->setAppearance(appearance);
+            view->showSignUp();
+            QCoreApplication::processEvents();
+            view->showSignIn();
+            view->setEmail(QStringLiteral("ana@example.org"));
+            view->forgot();
+            QCoreApplication::processEvents();
+        }
+        expectNoWarnings("sign-in modes");
+        QVERIFY(!m_opened.isEmpty());
+        QCOMPARE(m_opened.last().path(), QStringLiteral("/app"));
+
+        // Signed in: the home screen, its welcome sheet and the settings window's panes.
+        view->setPassword(QStringLiteral("pw"));
+        m_server.reply("POST", "/api/auth/login", 200, ana);
+        view->submit();
+        QTRY_COMPARE(m_state->auth(), AppState::Auth::SignedIn);
+        QTRY_VERIFY(m_state->hasPreferences());
+        QCoreApplication::processEvents();
+        auto *settings = root->findChild<QQuickWindow *>();
+        QVERIFY(settings);
+        settings->show();
+        for (int pane : {1, 0})
+            settings->setProperty("pane", pane);
+        m_state->chooseSkin(QStringLiteral("sage"));
+        m_state->setSystemIsDark(true);
+        m_state->choose(AppState::Appearance::System);
+        QTRY_COMPARE(m_server.lastRequest().method, QByteArray("PATCH"));
+        QCoreApplication::processEvents();
+        expectNoWarnings("home and settings");
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    QGuiApplication app(argc, argv);
+    TestQmlLoad test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_qmlload.moc"
