@@ -1,3 +1,4 @@
+#include "app/appcommands.h"
 #include "app/appstate.h"
 #include "app/browser.h"
 #include "app/signinview.h"
@@ -84,6 +85,22 @@ private slots:
     }
 
     void cleanupTestCase() { qInstallMessageHandler(previousHandler); }
+
+    // QML's singletons are the very objects C++ posts to and reads: a command posted in C++
+    // (the study button) must reach the QML screens that listen, and the other way round.
+    void singletonsAreTheSharedObjects()
+    {
+        QQmlEngine engine;
+        QQmlComponent component(&engine);
+        component.setData("import QtQml\nimport Orvel.Core\n"
+                          "QtObject { property var commands: AppCommands; "
+                          "property var state: AppState }",
+                          QUrl());
+        std::unique_ptr<QObject> object(component.create());
+        QVERIFY2(object, qPrintable(component.errorString()));
+        QCOMPARE(object->property("commands").value<QObject *>(), &AppCommands::shared());
+        QCOMPARE(object->property("state").value<QObject *>(), m_state.get());
+    }
 
     void everyFileLoads()
     {

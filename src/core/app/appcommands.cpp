@@ -9,7 +9,7 @@ AppCommands::AppCommands(QObject *parent) : QObject(parent) {}
 
 AppCommands &AppCommands::shared()
 {
-    static AppCommands commands;
+    static AppCommands commands(nullptr);
     return commands;
 }
 

@@ -17,7 +17,10 @@ class AppCommands : public QObject {
     QML_SINGLETON
 
 public:
-    explicit AppCommands(QObject *parent = nullptr);
+    // Deliberately not default-constructible: Qt 6.4 builds a QML singleton with its default
+    // constructor when there is one and ignores create(), which would give QML a board of its
+    // own that no C++ poster reaches.
+    explicit AppCommands(QObject *parent);
 
     static AppCommands &shared();
     static AppCommands *create(QQmlEngine *, QJSEngine *);

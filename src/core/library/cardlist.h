@@ -112,7 +112,7 @@ public:
 
     // Puts the server's new version of a card in place of the old one (a rewrite, an answer).
     // Cards of another deck, or no longer in the list, are ignored.
-    void replaceCard(const Card &card);
+    Q_INVOKABLE void replaceCard(const orvel::Card &card);
     // Takes the card out of the deck's list, keeping the order of the others, and clears the
     // selection if it was this card. Gives the card and the index it had in the deck.
     std::optional<std::pair<Card, qsizetype>> takeCard(int cardId);

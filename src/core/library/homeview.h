@@ -129,6 +129,9 @@ public:
 
     // The study entry points: post the study command with the decks to study. The command's
     // text is the ids of those decks in sidebar order, joined with commas ("12", "3,5,9").
+    // Cards written into a deck (from its composer or a kept lesson) count on its shelf row at
+    // once, without waiting for the next listing.
+    Q_INVOKABLE void countNewCards(int deckId, int count) { adjustCardCount(deckId, count); }
     Q_INVOKABLE void studyDeck(int deckId);
     // The folder's decks that hold at least one card; with none, nothing is posted (false).
     Q_INVOKABLE bool studyAll(int folderId);

@@ -55,7 +55,17 @@ ApplicationWindow {
 
     // The study session covers the window when the study command names decks to study.
     StudyOverlay {
+        id: study
         anchors.fill: parent
+    }
+
+    // Each answer's new version of the card replaces the old one in the open deck's list.
+    Connections {
+        target: study.study
+        function onReviewed(card) {
+            if (screen.item && screen.item.view)
+                screen.item.view.cards.replaceCard(card)
+        }
     }
 
     SettingsWindow {

@@ -92,7 +92,7 @@ private slots:
 
     void wordsFromOtherAppsOpenQuickAdd()
     {
-        AppCommands commands;
+        AppCommands commands(nullptr);
         ServiceProvider services(commands);
         QSignalSpy raised(&services, &ServiceProvider::activationRequested);
         QSignalSpy posted(&commands, &AppCommands::posted);
@@ -124,7 +124,7 @@ private slots:
         }
         QCOMPARE(names, expected);
 
-        AppCommands commands;
+        AppCommands commands(nullptr);
         QSignalSpy notified(&commands, &AppCommands::notified);
         QVERIFY(commands.post(QStringLiteral("newFolder")));
         QTest::ignoreMessage(QtWarningMsg, "AppCommands: no command named newThing");

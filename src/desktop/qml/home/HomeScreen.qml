@@ -9,6 +9,9 @@ import Orvel.Core
 Rectangle {
     id: home
 
+    // The library behind the screen, for the window's study session to hand answers back to.
+    readonly property HomeView view: homeView
+
     signal settingsRequested()
 
     color: Theme.window

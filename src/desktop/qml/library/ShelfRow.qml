@@ -34,7 +34,7 @@ Item {
     z: dragHandler.active ? 10 : 0
 
     Accessible.role: isHeading ? Accessible.Heading : Accessible.ListItem
-    Accessible.name: isDeck ? name + ", " + count + " cards" : name
+    Accessible.name: isDeck ? name + ", " + count + (count === 1 ? " card" : " cards") : name
     Accessible.selected: selected
 
     // The drop target: the "Decks" heading unfiles, a folder files.

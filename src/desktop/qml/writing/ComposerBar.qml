@@ -22,6 +22,11 @@ ColumnLayout {
         language: bar.home ? bar.home.selectedDeck.language : ""
         cards: bar.home ? bar.home.cards : null
         onInputChanged: if (field.text !== input) field.text = input
+        onCardWritten: card => { if (bar.home) bar.home.countNewCards(card.deckId, 1) }
+        onCardsLanded: cards => {
+            if (bar.home && cards.length > 0)
+                bar.home.countNewCards(cards[0].deckId, cards.length)
+        }
     }
 
     OField {
