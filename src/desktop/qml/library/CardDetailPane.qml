@@ -9,13 +9,11 @@ import Orvel.Core
 
 // The chosen card: its kind line, the term with its article, the reading, what it means, how it
 // is used, words nearby and its forms; at the foot (when the pane is wide enough) the counts and
-// the actions "rewrite", "Didn't know it", "Knew it" and "Delete card".
+// the actions "hear", "rewrite", "Didn't know it", "Knew it" and "Delete card".
 Rectangle {
     id: pane
 
     property HomeView home: null
-    // The spot beside the reading where the "hear" button goes once speech is wired in.
-    property Component hear: null
 
     readonly property CardDetail detail: home ? home.detail : null
     readonly property bool showing: detail !== null && detail.hasCard
@@ -74,11 +72,6 @@ Rectangle {
                     text: pane.detail && pane.detail.reading !== ""
                           ? "/" + pane.detail.reading + "/" : ""
                     color: Theme.secondaryText
-                }
-                Loader {
-                    active: pane.hear !== null
-                    visible: active
-                    sourceComponent: pane.hear
                 }
             }
 
@@ -247,53 +240,63 @@ Rectangle {
             height: 1
             color: Theme.line
         }
-        // The counts beside the actions when there is room, above them otherwise.
-        GridLayout {
+        // The counts above the actions; the actions wrap onto a second row when the pane is narrow.
+        ColumnLayout {
             id: footRow
             anchors.fill: parent
             anchors.leftMargin: Theme.xxl
             anchors.rightMargin: Theme.l
             anchors.topMargin: Theme.s
             anchors.bottomMargin: Theme.s
-            columns: pane.width >= 720 ? 5 : 4
-            columnSpacing: Theme.s
-            rowSpacing: Theme.xs
+            spacing: Theme.xs
 
             OLabel {
                 Layout.fillWidth: true
-                Layout.columnSpan: pane.width >= 720 ? 1 : 4
                 elide: Text.ElideRight
                 text: pane.detail ? pane.detail.foot : ""
                 color: Theme.secondaryText
                 font.pixelSize: Theme.secondary
             }
-            OButton {
-                text: "rewrite"
-                enabled: pane.detail !== null && !pane.detail.working
-                ToolTip.visible: hovered
-                ToolTip.text: "Rewrite the card"
-                onClicked: pane.detail.requestRewrite()
-            }
-            OButton {
-                text: "Didn't know it"
-                enabled: pane.detail !== null && !pane.detail.working
-                onClicked: pane.detail.requestAnswer(false)
-            }
-            OButton {
-                text: "Knew it"
-                enabled: pane.detail !== null && !pane.detail.working
-                contentItem: OLabel {
-                    text: "Knew it"
-                    color: Theme.good
-                    horizontalAlignment: Text.AlignHCenter
-                    verticalAlignment: Text.AlignVCenter
+            Flow {
+                Layout.fillWidth: true
+                spacing: Theme.s
+
+                OButton {
+                    // Toggles: pressed again while the word sounds, it stops.
+                    text: "hear"
+                    enabled: pane.detail !== null && pane.detail.hasCard && pane.home !== null
+                    ToolTip.visible: hovered
+                    ToolTip.text: "Say the word aloud"
+                    onClicked: Speech.say(pane.detail.card.term, pane.home.selectedDeck.language)
                 }
-                onClicked: pane.detail.requestAnswer(true)
-            }
-            OButton {
-                text: "Delete card"
-                destructive: true
-                onClicked: pane.detail.remove()
+                OButton {
+                    text: "rewrite"
+                    enabled: pane.detail !== null && !pane.detail.working
+                    ToolTip.visible: hovered
+                    ToolTip.text: "Rewrite the card"
+                    onClicked: pane.detail.requestRewrite()
+                }
+                OButton {
+                    text: "Didn't know it"
+                    enabled: pane.detail !== null && !pane.detail.working
+                    onClicked: pane.detail.requestAnswer(false)
+                }
+                OButton {
+                    text: "Knew it"
+                    enabled: pane.detail !== null && !pane.detail.working
+                    contentItem: OLabel {
+                        text: "Knew it"
+                        color: Theme.good
+                        horizontalAlignment: Text.AlignHCenter
+                        verticalAlignment: Text.AlignVCenter
+                    }
+                    onClicked: pane.detail.requestAnswer(true)
+                }
+                OButton {
+                    text: "Delete card"
+                    destructive: true
+                    onClicked: pane.detail.remove()
+                }
             }
         }
     }
