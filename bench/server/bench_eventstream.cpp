@@ -81,6 +81,7 @@ QCoro::Task<QList<qint64>> consume(EventStream<CardEvent> stream)
 void socketToConsumerDelay(benchmark::State &state)
 {
     httplib::Server server;
+    server.set_tcp_nodelay(true); // as orvel-server does: no Nagle delay on small event writes
     server.Post("/api/decks/1/cards", [](const httplib::Request &, httplib::Response &response) {
         response.set_chunked_content_provider(
             "text/event-stream", [](size_t, httplib::DataSink &sink) {

@@ -60,6 +60,7 @@ void eventToRow(benchmark::State &state)
 {
     const int events = 50;
     httplib::Server server;
+    server.set_tcp_nodelay(true); // as orvel-server does: no Nagle delay on small event writes
     serveCard(server, events, 3);
     const int port = server.bind_to_any_port("127.0.0.1");
     std::thread thread([&] { server.listen_after_bind(); });
