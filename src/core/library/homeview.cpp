@@ -301,24 +301,26 @@ QString HomeView::folderDeleteDetail(int folderId) const
     return shelftexts::folderDeleteDetail(int(decksInFolder(m_decks, folderId).size()));
 }
 
-QCoro::Task<> HomeView::deleteFolder(int folderId)
+QCoro::Task<bool> HomeView::wentThrough(QCoro::Task<> call)
 {
     QPointer self(this);
     setTrouble({});
     QString failure;
-    bool deleted = false;
     try {
-        co_await m_api.deleteFolder(folderId);
-        deleted = true;
+        co_await std::move(call);
+        co_return !self.isNull();
     } catch (const ServerError &error) {
         failure = error.message();
     }
-    if (!self)
-        co_return;
-    if (!deleted) {
+    if (self)
         setTrouble(failure);
+    co_return false;
+}
+
+QCoro::Task<> HomeView::deleteFolder(int folderId)
+{
+    if (!co_await wentThrough(m_api.deleteFolder(folderId)))
         co_return;
-    }
     m_folders.removeIf([folderId](const Folder &f) { return f.id == folderId; });
     // Its decks stay, loose.
     for (DeckSummary &deck : m_decks)
@@ -350,22 +352,8 @@ QString HomeView::deckDeleteDetail(int deckId) const
 
 QCoro::Task<> HomeView::deleteDeck(int deckId)
 {
-    QPointer self(this);
-    setTrouble({});
-    QString failure;
-    bool deleted = false;
-    try {
-        co_await m_api.deleteDeck(deckId);
-        deleted = true;
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
+    if (!co_await wentThrough(m_api.deleteDeck(deckId)))
         co_return;
-    if (!deleted) {
-        setTrouble(failure);
-        co_return;
-    }
     m_decks.removeIf([deckId](const DeckSummary &d) { return d.id == deckId; });
     shelfEdited();
 }

@@ -157,6 +157,9 @@ signals:
     void editingFolderIdChanged();
 
 private:
+    // Runs a call that changes the shelf: true once it went through. Its failure becomes
+    // `trouble`; false as well when this view went away meanwhile (touch nothing then).
+    QCoro::Task<bool> wentThrough(QCoro::Task<> call);
     void setLoading(bool loading);
     void setTrouble(const QString &trouble);
     void rebuildSidebar();
