@@ -8,6 +8,8 @@ MenuBar {
     id: bar
 
     property bool signedIn: false
+    // While a study session has the window, the "New" commands wait (their shortcuts too).
+    property bool studying: false
 
     signal settingsRequested()
     signal quitRequested()
@@ -32,19 +34,19 @@ MenuBar {
         Action {
             text: "New Deck"
             shortcut: "Ctrl+N"
-            enabled: bar.signedIn
+            enabled: bar.signedIn && !bar.studying
             onTriggered: AppCommands.post("newDeck")
         }
         Action {
             text: "New Note"
             shortcut: "Ctrl+Shift+N"
-            enabled: bar.signedIn
+            enabled: bar.signedIn && !bar.studying
             onTriggered: AppCommands.post("newNote")
         }
         Action {
             text: "New Folder"
             shortcut: "Ctrl+Alt+N"
-            enabled: bar.signedIn
+            enabled: bar.signedIn && !bar.studying
             onTriggered: AppCommands.post("newFolder")
         }
         MenuSeparator {}

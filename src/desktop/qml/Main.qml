@@ -32,6 +32,7 @@ ApplicationWindow {
 
     menuBar: AppMenuBar {
         signedIn: AppState.signedIn
+        studying: study.visible
         onSettingsRequested: settings.showAndRaise()
         onQuitRequested: Qt.quit()
     }
@@ -39,6 +40,8 @@ ApplicationWindow {
     Loader {
         id: screen
         anchors.fill: parent
+        // Hidden under a study session, so that neither its shortcuts nor a screen reader reach it.
+        visible: !study.visible
         sourceComponent: AppState.auth === AppState.SignedIn ? homeScreen
                        : AppState.auth === AppState.SignedOut ? signInScreen
                        : null
