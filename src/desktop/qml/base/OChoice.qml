@@ -43,7 +43,10 @@ RowLayout {
             font.pixelSize: Theme.body
 
             Accessible.name: text
-            onClicked: picked(modelData.value)
+            // Follows the checked state rather than clicks: a screen reader's toggle action
+            // checks the button without a click (or a toggled signal), and the choice must
+            // follow it too. The model's own value never counts as a choice.
+            onCheckedChanged: if (checked && !modelData.checked) picked(modelData.value)
             Keys.onReturnPressed: picked(modelData.value)
 
             contentItem: Text {
