@@ -5,17 +5,23 @@
 #include "library/shelftexts.h"
 #include "server/apiclient.h"
 
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QPointer>
+
 namespace orvel {
 
 namespace {
 // Holds only the client, so the deletion still goes out if the bin is gone by then.
-QCoro::Task<> sendDeletion(APIClient *api, int cardId)
+QCoro::Task<> sendDeletion(APIClient *api, int cardId, QPointer<CardBin> bin)
 {
     try {
         co_await api->deleteCard(cardId);
     } catch (const ServerError &) {
         // A failed deletion is not shown: the card simply stays on the server.
     }
+    if (bin)
+        emit bin->answered(cardId);
 }
 } // namespace
 
@@ -25,6 +31,19 @@ CardBin::CardBin(APIClient &api, CardList &list, QObject *parent)
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &CardBin::commitBin);
     connect(&m_list, &CardList::deckLoaded, this, &CardBin::hideFromReload);
+    if (QCoreApplication *app = QCoreApplication::instance())
+        connect(app, &QCoreApplication::aboutToQuit, this, [this] { commitAndWait(3000); });
+}
+
+void CardBin::commitAndWait(int timeoutMs)
+{
+    if (!m_binned)
+        return;
+    QEventLoop loop;
+    connect(this, &CardBin::answered, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    commitBin();
+    loop.exec();
 }
 
 QString CardBin::text() const
@@ -58,7 +77,7 @@ void CardBin::commitBin()
     const Card card = m_binned->card;
     m_binned.reset();
     emit changed();
-    sendDeletion(&m_api, card.id);
+    sendDeletion(&m_api, card.id, this);
     emit committed(card);
 }
 

@@ -39,6 +39,9 @@ public:
     Q_INVOKABLE bool bin(int cardId);
     // Sends the pending deletion now (nothing when none is pending). A failure is not shown.
     Q_INVOKABLE void commitBin();
+    // Sends the pending deletion and waits for the server's answer, at most `timeoutMs`. Run as
+    // the app quits, so that a deletion still inside its undo time is not lost with the app.
+    void commitAndWait(int timeoutMs);
     // Brings the pending card back into its deck's list; nothing is sent.
     Q_INVOKABLE void unbin();
 
@@ -50,6 +53,8 @@ signals:
     void restored(const orvel::Card &card);
     // The deletion was sent.
     void committed(const orvel::Card &card);
+    // The server answered a deletion (whether or not it went through).
+    void answered(int cardId);
 
 private:
     struct Binned {

@@ -231,6 +231,23 @@ private slots:
         QCOMPARE(list().rowOf(12), -1);
     }
 
+    void quittingSendsAPendingDeletionAndWaitsForIt()
+    {
+        openDeck(1);
+        Timings::shared().cardUndo = std::chrono::minutes(1);
+        m_server->reply("DELETE", "/api/cards/13", 204, "");
+        CardBin &bin = *m_home->bin();
+        QVERIFY(bin.bin(13));
+        bin.commitAndWait(5000);
+        // Answered before it returned: nothing is left for an event loop that is ending.
+        QCOMPARE(deletions(*m_server), 1);
+        QCOMPARE(m_server->lastRequest().path, QStringLiteral("/api/cards/13"));
+        QVERIFY(!bin.pending());
+        // With nothing pending it returns at once and sends nothing.
+        bin.commitAndWait(5000);
+        QCOMPARE(deletions(*m_server), 1);
+    }
+
     void aSecondDeletionSendsTheFirstAtOnce()
     {
         openDeck(1);
