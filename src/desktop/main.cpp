@@ -12,6 +12,7 @@
 #include "platform/brand.h"
 #include "platform/colourscheme.h"
 #include "platform/launchhandler.h"
+#include "platform/renderchoice.h"
 #include "platform/starttime.h"
 #include "server/apiclient.h"
 #include "sound/speech.h"
@@ -49,6 +50,7 @@ int main(int argc, char *argv[])
             << "orvel: another instance holds the channel but did not answer; starting anyway";
     }
 
+    RenderChoice::apply();
     QQuickStyle::setStyle(QStringLiteral("Basic"));
     Brand::family();
     Browser::setOpener([](const QUrl &url) { return QDesktopServices::openUrl(url); });
@@ -89,12 +91,17 @@ int main(int argc, char *argv[])
     launches.setWindow(window);
     if (request.timings) {
         auto connection = std::make_shared<QMetaObject::Connection>();
-        *connection = QObject::connect(window, &QQuickWindow::frameSwapped, window, [connection] {
-            QObject::disconnect(*connection);
-            std::printf("orvel: first frame %lld ms after process start (%lld ms after main)\n",
-                        StartTime::sinceProcessStart(), StartTime::sinceMain());
-            std::fflush(stdout);
-        });
+        *connection =
+            QObject::connect(window, &QQuickWindow::frameSwapped, window, [window, connection] {
+                QObject::disconnect(*connection);
+                const bool software =
+                    window->rendererInterface()->graphicsApi() == QSGRendererInterface::Software;
+                std::printf(
+                    "orvel: first frame %lld ms after process start (%lld ms after main, %s)\n",
+                    StartTime::sinceProcessStart(), StartTime::sinceMain(),
+                    software ? "software renderer" : "graphics device");
+                std::fflush(stdout);
+            });
     }
 
     launches.handle(request, false);
