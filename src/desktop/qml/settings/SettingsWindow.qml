@@ -3,7 +3,6 @@ import QtQuick.Controls
 import QtQuick.Layouts
 import QtQuick.Window
 import Orvel
-import Orvel.Core
 
 // The settings window: one pane per subject, chosen in the list on the left.
 ApplicationWindow {

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls
 import Orvel
 
 // One key drawn as a small rounded cap with the key's name.

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Controls
 import Orvel
 
 // One entry of the key legend: its key caps, then what they do.
