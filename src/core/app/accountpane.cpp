@@ -1,9 +1,8 @@
 #include "accountpane.h"
 
 #include "app/appstate.h"
+#include "app/passwordrule.h"
 #include "server/apiclient.h"
-
-#include <QTextBoundaryFinder>
 
 namespace orvel {
 
@@ -11,16 +10,6 @@ namespace {
 
 const QString fillAllThree = QStringLiteral("Enter your current password and the new one twice.");
 const QString noMatch = QStringLiteral("The new passwords do not match.");
-const QString tooShort = QStringLiteral("Choose a password of at least 8 characters.");
-
-qsizetype perceivedLength(const QString &text)
-{
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype count = 0;
-    while (finder.toNextBoundary() > 0)
-        ++count;
-    return count;
-}
 
 } // namespace
 
@@ -67,8 +56,8 @@ QCoro::Task<> AccountPane::changingPassword()
         setTrouble(noMatch);
         co_return;
     }
-    if (perceivedLength(m_replacement) < 8) {
-        setTrouble(tooShort);
+    if (PasswordRule::tooShort(m_replacement)) {
+        setTrouble(PasswordRule::tooShortMessage());
         co_return;
     }
     setWorking(true);

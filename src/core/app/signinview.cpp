@@ -2,9 +2,9 @@
 
 #include "app/appstate.h"
 #include "app/browser.h"
+#include "app/passwordrule.h"
 #include "server/apiclient.h"
 
-#include <QTextBoundaryFinder>
 #include <QUrlQuery>
 
 namespace orvel {
@@ -12,18 +12,7 @@ namespace orvel {
 namespace {
 
 const QString enterEmailAndPassword = QStringLiteral("Enter your email and password.");
-const QString passwordTooShort = QStringLiteral("Choose a password of at least 8 characters.");
 const QString enterEmailFirst = QStringLiteral("Enter your email first.");
-
-// Characters as the learner sees them (an accented letter or an emoji counts once).
-qsizetype perceivedLength(const QString &text)
-{
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
-    qsizetype count = 0;
-    while (finder.toNextBoundary() > 0)
-        ++count;
-    return count;
-}
 
 } // namespace
 
@@ -82,8 +71,8 @@ QCoro::Task<> SignInView::submitting()
         moveFocus(m_email.isEmpty() ? Field::Email : Field::Password);
         co_return;
     }
-    if (m_mode == Mode::SignUp && perceivedLength(m_password) < 8) {
-        setTrouble(passwordTooShort);
+    if (m_mode == Mode::SignUp && PasswordRule::tooShort(m_password)) {
+        setTrouble(PasswordRule::tooShortMessage());
         moveFocus(Field::Password);
         co_return;
     }

@@ -90,7 +90,7 @@ private slots:
         QCOMPARE(view.trouble(), QStringLiteral("Choose a password of at least 8 characters."));
         QCOMPARE(view.focus(), SignInView::Field::Password);
         // Seven letters as the learner sees them, eight code units: still too short.
-        view.setPassword(QStringLiteral("passwe\u0301"));
+        view.setPassword(QStringLiteral("passwod\u0301"));
         await(view.submitting());
         QCOMPARE(view.trouble(), QStringLiteral("Choose a password of at least 8 characters."));
         QCOMPARE(m_server->requestCount(), 0);
