@@ -92,6 +92,27 @@ QString termKey(const QString &term)
     return term.trimmed().toCaseFolded();
 }
 
+// The columns a writer's answer fills, in the order bindWritten() binds them.
+const QStringList WrittenColumns = {"term",           "term_fold", "search_fold", "reading",
+                                    "part_of_speech", "gender",    "translation", "definition",
+                                    "usage_notes",    "examples",  "related",     "conjugations"};
+
+Sql &bindWritten(Sql &q, const QJsonObject &c)
+{
+    return q.bind(c.value("term").toString())
+        .bind(termKey(c.value("term").toString()))
+        .bind(searchText(c))
+        .bind(c.value("reading").toString())
+        .bind(c.value("part_of_speech").toString())
+        .bind(c.value("gender").toString())
+        .bind(c.value("translation").toString())
+        .bind(c.value("definition").toString())
+        .bind(c.value("usage_notes").toString())
+        .bind(arrayText(c.value("examples")))
+        .bind(arrayText(c.value("related")))
+        .bind(arrayText(c.value("conjugations")));
+}
+
 } // namespace
 
 QJsonObject CardStore::normalised(const QJsonObject &w)
@@ -165,25 +186,10 @@ QJsonObject CardStore::insert(qint64 deckId, const QJsonObject &written)
     const QJsonObject c = normalised(written);
     qint64 id = 0;
     m_db.write([&] {
-        Sql q(m_db, "INSERT INTO cards (deck_id, term, term_fold, search_fold, reading, "
-                    "part_of_speech, gender, translation, definition, usage_notes, examples, "
-                    "related, conjugations, created_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-                    "?, ?, ?)");
-        q.bind(deckId)
-            .bind(c.value("term").toString())
-            .bind(termKey(c.value("term").toString()))
-            .bind(searchText(c))
-            .bind(c.value("reading").toString())
-            .bind(c.value("part_of_speech").toString())
-            .bind(c.value("gender").toString())
-            .bind(c.value("translation").toString())
-            .bind(c.value("definition").toString())
-            .bind(c.value("usage_notes").toString())
-            .bind(arrayText(c.value("examples")))
-            .bind(arrayText(c.value("related")))
-            .bind(arrayText(c.value("conjugations")))
-            .bind(Clock::nowText())
-            .exec();
+        Sql q(m_db, "INSERT INTO cards (deck_id, " + WrittenColumns.join(", ") +
+                        ", created_at) VALUES (?, " +
+                        QString("?, ").repeated(WrittenColumns.size()) + "?)");
+        bindWritten(q.bind(deckId), c).bind(Clock::nowText()).exec();
         id = q.lastInsertId();
     });
     Sql q(m_db, "SELECT " + Columns + " FROM cards c WHERE c.id = ?");
@@ -200,23 +206,8 @@ QJsonObject CardStore::rewrite(qint64 userId, qint64 cardId, const QJsonObject &
         // A rewrite that comes back without a term keeps the card's own.
         if (c.value("term").toString().isEmpty())
             c.insert("term", card(userId, cardId).value("term"));
-        Sql(m_db, "UPDATE cards SET term = ?, term_fold = ?, search_fold = ?, reading = ?, "
-                  "part_of_speech = ?, gender = ?, translation = ?, definition = ?, "
-                  "usage_notes = ?, examples = ?, related = ?, conjugations = ? WHERE id = ?")
-            .bind(c.value("term").toString())
-            .bind(termKey(c.value("term").toString()))
-            .bind(searchText(c))
-            .bind(c.value("reading").toString())
-            .bind(c.value("part_of_speech").toString())
-            .bind(c.value("gender").toString())
-            .bind(c.value("translation").toString())
-            .bind(c.value("definition").toString())
-            .bind(c.value("usage_notes").toString())
-            .bind(arrayText(c.value("examples")))
-            .bind(arrayText(c.value("related")))
-            .bind(arrayText(c.value("conjugations")))
-            .bind(cardId)
-            .exec();
+        Sql q(m_db, "UPDATE cards SET " + WrittenColumns.join(" = ?, ") + " = ? WHERE id = ?");
+        bindWritten(q, c).bind(cardId).exec();
     });
     return card(userId, cardId);
 }
