@@ -1,5 +1,6 @@
 // Event streams: how fast the reader and decoder turn bytes into events, and how long an event
 // takes from the server's socket to the consumer on loopback.
+#include "latencies.h"
 #include "server/apiclient.h"
 #include "server/eventlinereader.h"
 
@@ -111,13 +112,7 @@ void socketToConsumerDelay(benchmark::State &state)
     }
     server.stop();
     thread.join();
-    std::sort(all.begin(), all.end());
-    if (!all.isEmpty()) {
-        state.counters["median_ms"] = double(all.at(all.size() / 2)) / 1e6;
-        state.counters["p99_ms"] = double(all.at(all.size() * 99 / 100)) / 1e6;
-        state.counters["max_ms"] = double(all.last()) / 1e6;
-        state.counters["events"] = double(all.size());
-    }
+    benchsupport::reportLatencies(state, all, "events");
 }
 BENCHMARK(socketToConsumerDelay)->Iterations(5)->Unit(benchmark::kMillisecond);
 

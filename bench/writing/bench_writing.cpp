@@ -2,6 +2,7 @@
 // it: a loopback server streams card events, the composer reads them, and the view model
 // reports the changed row. Each event carries the steady-clock time at which the server wrote
 // it; the row's change notes when it arrived.
+#include "latencies.h"
 #include "server/apiclient.h"
 #include "writing/composer.h"
 #include "writing/writingsheet.h"
@@ -91,13 +92,7 @@ void eventToRow(benchmark::State &state)
     }
     server.stop();
     thread.join();
-    std::sort(delays.begin(), delays.end());
-    if (!delays.isEmpty()) {
-        state.counters["median_ms"] = double(delays.at(delays.size() / 2)) / 1e6;
-        state.counters["p99_ms"] = double(delays.at(delays.size() * 99 / 100)) / 1e6;
-        state.counters["max_ms"] = double(delays.last()) / 1e6;
-        state.counters["rows"] = double(delays.size());
-    }
+    benchsupport::reportLatencies(state, delays, "rows");
 }
 BENCHMARK(eventToRow)->Iterations(10)->Unit(benchmark::kMillisecond);
 
