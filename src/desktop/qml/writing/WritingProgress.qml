@@ -55,7 +55,9 @@ ColumnLayout {
             Layout.minimumHeight: Math.round(26 * Theme.scale)
             spacing: Theme.l
             Accessible.role: Accessible.StaticText
-            Accessible.name: label + ": " + (filled ? value : "pending")
+            // A failed writing fills no more rows: those still empty say so instead of waiting.
+            readonly property bool missing: !filled && progress.sheet !== null && progress.sheet.failed
+            Accessible.name: label + ": " + (filled ? value : missing ? "not written" : "pending")
 
             OSectionHeading {
                 Layout.preferredWidth: Math.round(100 * Theme.scale)
@@ -65,7 +67,8 @@ ColumnLayout {
             }
             Item {
                 Layout.fillWidth: true
-                implicitHeight: Math.max(valueLabel.implicitHeight, pending.implicitHeight)
+                implicitHeight: Math.max(valueLabel.implicitHeight, pending.implicitHeight,
+                                         missingLabel.implicitHeight)
 
                 OLabel {
                     id: valueLabel
@@ -86,9 +89,16 @@ ColumnLayout {
                         NumberAnimation { target: rise; property: "y"; from: 8; to: 0; duration: Theme.rowArrival; easing.type: Easing.OutCubic }
                     }
                 }
+                OLabel {
+                    id: missingLabel
+                    visible: row.missing
+                    text: "—"
+                    color: Theme.secondaryText
+                    Accessible.ignored: true
+                }
                 Row {
                     id: pending
-                    visible: !row.filled
+                    visible: !row.filled && !row.missing
                     anchors.verticalCenter: parent.verticalCenter
                     spacing: Math.round(5 * Theme.scale)
                     Repeater {
