@@ -230,21 +230,23 @@ Rectangle {
                         model: session.expanded ? session.rest : []
 
                         Column {
+                            id: part
                             required property var modelData
 
                             width: parent.width
                             spacing: Theme.xs
 
                             OSectionHeading {
-                                text: modelData.heading
+                                text: part.modelData.heading
                             }
                             Repeater {
-                                model: modelData.lines
+                                model: part.modelData.lines
                                 OLabel {
+                                    id: restLine
                                     required property string modelData
                                     width: parent.width
                                     wrapMode: Text.Wrap
-                                    text: modelData
+                                    text: restLine.modelData
                                     font.pixelSize: Theme.body
                                 }
                             }

@@ -56,18 +56,19 @@ OSheet {
             onActivated: index => quick.deckId = quick.deckChoices[index].id
 
             delegate: ItemDelegate {
+                id: choice
                 required property var modelData
                 required property int index
                 width: ListView.view ? ListView.view.width : implicitWidth
-                enabled: !modelData.section
-                leftPadding: modelData.indent ? Theme.xl : Theme.m
-                highlighted: deckChooser.highlightedIndex === index
+                enabled: !choice.modelData.section
+                leftPadding: choice.modelData.indent ? Theme.xl : Theme.m
+                highlighted: deckChooser.highlightedIndex === choice.index
                 contentItem: OLabel {
-                    text: modelData.name
-                    color: modelData.section ? Theme.secondaryText : Theme.text
-                    font.pixelSize: modelData.section ? Theme.sectionHeading : Theme.body
-                    font.weight: modelData.section ? Font.DemiBold : Font.Normal
-                    font.capitalization: modelData.section ? Font.AllUppercase : Font.MixedCase
+                    text: choice.modelData.name
+                    color: choice.modelData.section ? Theme.secondaryText : Theme.text
+                    font.pixelSize: choice.modelData.section ? Theme.sectionHeading : Theme.body
+                    font.weight: choice.modelData.section ? Font.DemiBold : Font.Normal
+                    font.capitalization: choice.modelData.section ? Font.AllUppercase : Font.MixedCase
                 }
             }
         }
