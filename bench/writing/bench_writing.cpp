@@ -2,8 +2,12 @@
 // it: a loopback server streams card events, the composer reads them, and the view model
 // reports the changed row. Each event carries the steady-clock time at which the server wrote
 // it; the row's change notes when it arrived.
+#include "app/appstate.h"
+#include "app/services.h"
 #include "latencies.h"
 #include "server/apiclient.h"
+#include "sound/silentoutput.h"
+#include "sound/speech.h"
 #include "writing/composer.h"
 #include "writing/writingsheet.h"
 
@@ -70,7 +74,11 @@ void eventToRow(benchmark::State &state)
 
     QTemporaryDir dir;
     APIClient client(QUrl(QStringLiteral("http://127.0.0.1:%1").arg(port)), dir.filePath("c"), {});
-    Composer composer(client);
+    AppState appState(client);
+    SilentOutput silent;
+    Speech speech(client, silent, dir.path());
+    Services services(client, appState, speech);
+    Composer composer;
     composer.setDeckId(1);
     QList<qint64> delays;
     QObject::connect(composer.progress(), &QAbstractItemModel::dataChanged, composer.progress(),

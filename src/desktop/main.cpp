@@ -7,6 +7,7 @@
 #include "app/instancechannel.h"
 #include "app/launchrequest.h"
 #include "app/serviceprovider.h"
+#include "app/services.h"
 #include "app/speechsound.h"
 #include "platform/audio/qtaudiooutput.h"
 #include "platform/brand.h"
@@ -20,6 +21,7 @@
 #include <cstdio>
 #include <QDebug>
 #include <QDesktopServices>
+#include <QDir>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
 #include <QQuickStyle>
@@ -55,14 +57,14 @@ int main(int argc, char *argv[])
     Brand::family();
     Browser::setOpener([](const QUrl &url) { return QDesktopServices::openUrl(url); });
 
-    // Spoken clips go through the desktop's sound server; the shared player is made on first use.
-    QtAudioOutput audio;
-    Speech::useOutput(&audio);
-
-    APIClient &api = APIClient::shared();
+    // The services every screen reaches the world through: the server client, the app's state
+    // and the speech player, whose clips go through the desktop's sound server.
+    APIClient api;
     AppState state(api);
-    AppState::setInstance(&state);
-    SpeechSound sound(Speech::shared());
+    QtAudioOutput audio;
+    Speech speech(api, audio, QDir::tempPath());
+    Services services(api, state, speech);
+    SpeechSound sound(speech);
     state.setSound(&sound);
 
     ColourScheme scheme;
@@ -74,8 +76,8 @@ int main(int argc, char *argv[])
         &commands, &AppCommands::notified, [](const QString &name, const QString &text) {
             qInfo().noquote() << "orvel:" << name << (text.isEmpty() ? QString() : text);
         });
-    ServiceProvider services(commands);
-    LaunchHandler launches(services);
+    ServiceProvider addWords(commands);
+    LaunchHandler launches(addWords);
     QObject::connect(&channel, &InstanceChannel::received, &launches,
                      &LaunchHandler::handleArguments);
 

@@ -6,6 +6,7 @@
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "testservices.h"
 
 #include <QDirIterator>
 #include <QGuiApplication>
@@ -53,7 +54,8 @@ class TestQmlLoad : public QObject {
     QTemporaryDir m_dir;
     ScriptedServer m_server;
     std::unique_ptr<APIClient> m_api;
-    std::unique_ptr<AppState> m_state;
+    std::unique_ptr<testsupport::TestServices> m_services;
+    AppState *m_state = nullptr;
     QList<QUrl> m_opened;
 
     void expectNoWarnings(const char *where)
@@ -75,8 +77,8 @@ private slots:
                        R"({"google":true,"apple":true,"signup":true})");
         m_api =
             std::make_unique<APIClient>(m_server.baseUrl(), m_dir.filePath("cookies"), QString());
-        m_state = std::make_unique<AppState>(*m_api);
-        AppState::setInstance(m_state.get());
+        m_services = std::make_unique<testsupport::TestServices>(*m_api);
+        m_state = &m_services->state();
         Browser::setOpener([this](const QUrl &url) {
             m_opened.append(url);
             return true;
@@ -84,7 +86,11 @@ private slots:
         previousHandler = qInstallMessageHandler(collect);
     }
 
-    void cleanupTestCase() { qInstallMessageHandler(previousHandler); }
+    void cleanupTestCase()
+    {
+        qInstallMessageHandler(previousHandler);
+        m_services.reset();
+    }
 
     // QML's singletons are the very objects C++ posts to and reads: a command posted in C++
     // (the study button) must reach the QML screens that listen, and the other way round.
@@ -94,12 +100,13 @@ private slots:
         QQmlComponent component(&engine);
         component.setData("import QtQml\nimport Orvel.Core\n"
                           "QtObject { property var commands: AppCommands; "
-                          "property var state: AppState }",
+                          "property var state: AppState; property var speech: Speech }",
                           QUrl());
         std::unique_ptr<QObject> object(component.create());
         QVERIFY2(object, qPrintable(component.errorString()));
         QCOMPARE(object->property("commands").value<QObject *>(), &AppCommands::shared());
-        QCOMPARE(object->property("state").value<QObject *>(), m_state.get());
+        QCOMPARE(object->property("state").value<QObject *>(), m_state);
+        QCOMPARE(object->property("speech").value<QObject *>(), &m_services->speech());
     }
 
     void everyFileLoads()
@@ -153,7 +160,7 @@ private slots:
         // Signed out: the sign-in screen in each of its modes, light and dark.
         QTest::qWait(1); // let the state settle before changing it
         m_state->setAppearance(AppState::Appearance::Light);
-        QMetaObject::invokeMethod(m_state.get(), [this] { m_state->requestSignOut(); });
+        QMetaObject::invokeMethod(m_state, [this] { m_state->requestSignOut(); });
         QTRY_COMPARE(m_state->auth(), AppState::Auth::SignedOut);
         SignInView *view = nullptr;
         QTRY_VERIFY((view = root->findChild<SignInView *>()));

@@ -2,6 +2,7 @@
 
 #include "app/appstate.h"
 #include "app/passwordrule.h"
+#include "app/services.h"
 #include "server/apiclient.h"
 
 namespace orvel {
@@ -13,9 +14,7 @@ const QString noMatch = QStringLiteral("The new passwords do not match.");
 
 } // namespace
 
-AccountPane::AccountPane(QObject *parent) : QObject(parent), m_state(AppState::instance()) {}
-
-AccountPane::AccountPane(AppState &state, QObject *parent) : QObject(parent), m_state(&state) {}
+AccountPane::AccountPane(QObject *parent) : QObject(parent), m_state(Services::current().state()) {}
 
 void AccountPane::setCurrent(const QString &text)
 {
@@ -46,41 +45,31 @@ void AccountPane::setConfirmation(const QString &text)
 
 QCoro::Task<> AccountPane::changingPassword()
 {
-    if (m_working || !m_state)
+    if (working())
         co_return;
     if (m_current.isEmpty() || m_replacement.isEmpty() || m_confirmation.isEmpty()) {
-        setTrouble(fillAllThree);
+        m_calls.setTrouble(fillAllThree);
         co_return;
     }
     if (m_replacement != m_confirmation) {
-        setTrouble(noMatch);
+        m_calls.setTrouble(noMatch);
         co_return;
     }
     if (PasswordRule::tooShort(m_replacement)) {
-        setTrouble(PasswordRule::tooShortMessage());
+        m_calls.setTrouble(PasswordRule::tooShortMessage());
         co_return;
     }
-    setWorking(true);
-    setTrouble({});
-    QPointer self(this);
-    QString failure;
-    try {
-        co_await m_state->api().changePassword(m_current, m_replacement);
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
+    const auto changed =
+        co_await m_calls.run(m_state.api().changePassword(m_current, m_replacement));
+    if (changed.gone())
         co_return;
     // Whatever happened, no password stays in the fields longer than needed.
     setCurrent({});
-    if (failure.isEmpty()) {
+    if (changed) {
         setReplacement({});
         setConfirmation({});
         setChanged(true);
-    } else {
-        setTrouble(failure);
     }
-    setWorking(false);
 }
 
 void AccountPane::changePassword()
@@ -90,16 +79,7 @@ void AccountPane::changePassword()
 
 void AccountPane::signOut()
 {
-    if (m_state)
-        m_state->requestSignOut();
-}
-
-void AccountPane::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
+    m_state.requestSignOut();
 }
 
 void AccountPane::setChanged(bool changed)
@@ -108,14 +88,6 @@ void AccountPane::setChanged(bool changed)
         return;
     m_changed = changed;
     emit changedChanged();
-}
-
-void AccountPane::setWorking(bool working)
-{
-    if (m_working == working)
-        return;
-    m_working = working;
-    emit workingChanged();
 }
 
 } // namespace orvel

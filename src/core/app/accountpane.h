@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include <qcoro/qcorotask.h>
 #include <QObject>
 #include <QPointer>
@@ -25,7 +26,6 @@ class AccountPane : public QObject {
 
 public:
     explicit AccountPane(QObject *parent = nullptr);
-    explicit AccountPane(AppState &state, QObject *parent = nullptr);
 
     QString current() const { return m_current; }
     void setCurrent(const QString &text);
@@ -33,10 +33,10 @@ public:
     void setReplacement(const QString &text);
     QString confirmation() const { return m_confirmation; }
     void setConfirmation(const QString &text);
-    QString trouble() const { return m_trouble; }
+    QString trouble() const { return m_calls.trouble(); }
     // True after the server took the new password (until the next edit).
     bool changed() const { return m_changed; }
-    bool working() const { return m_working; }
+    bool working() const { return m_calls.working(); }
 
     QCoro::Task<> changingPassword();
     Q_INVOKABLE void changePassword();
@@ -51,17 +51,14 @@ signals:
     void workingChanged();
 
 private:
-    void setTrouble(const QString &trouble);
     void setChanged(bool changed);
-    void setWorking(bool working);
 
-    QPointer<AppState> m_state;
+    AppState &m_state;
     QString m_current;
     QString m_replacement;
     QString m_confirmation;
-    QString m_trouble;
+    ServerCalls m_calls{this, &AccountPane::workingChanged, &AccountPane::troubleChanged};
     bool m_changed = false;
-    bool m_working = false;
 };
 
 } // namespace orvel

@@ -1,5 +1,6 @@
 #include "appstate.h"
 
+#include "app/services.h"
 #include "app/skins.h"
 #include "app/soundcontrols.h"
 #include "server/apiclient.h"
@@ -14,12 +15,6 @@ namespace {
 
 const QString appearanceKey = QStringLiteral("zelon.appearance");
 const QString skinKey = QStringLiteral("zelon.skin");
-
-QPointer<AppState> &sharedState()
-{
-    static QPointer<AppState> state;
-    return state;
-}
 
 std::optional<AppState::Appearance> appearanceFromText(const QString &text)
 {
@@ -53,27 +48,11 @@ AppState::AppState(APIClient &api, QObject *parent) : QObject(parent), m_api(api
     m_effectiveSkin = effectiveSkin();
 }
 
-AppState::~AppState()
-{
-    if (sharedState() == this)
-        sharedState() = nullptr;
-}
-
-AppState *AppState::instance()
-{
-    return sharedState();
-}
-
-void AppState::setInstance(AppState *state)
-{
-    sharedState() = state;
-}
+AppState::~AppState() = default;
 
 AppState *AppState::create(QQmlEngine *, QJSEngine *)
 {
-    AppState *state = sharedState();
-    if (!state)
-        qFatal("AppState: QML asked for the app state before main() made it");
+    AppState *state = &Services::current().state();
     QQmlEngine::setObjectOwnership(state, QQmlEngine::CppOwnership);
     return state;
 }

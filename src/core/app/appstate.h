@@ -18,7 +18,7 @@ class SoundControls;
 
 // The app's one shared state: who is signed in, the chosen appearance and skin, whether the
 // desktop is dark, and the signed-in learner's preferences. Every screen reads it; QML sees it as
-// the singleton AppState (the instance main() creates).
+// the singleton AppState (the installed services' one).
 class AppState : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -46,9 +46,7 @@ public:
     explicit AppState(APIClient &api, QObject *parent = nullptr);
     ~AppState() override;
 
-    // The process's instance, for QML and for screens created by QML.
-    static AppState *instance();
-    static void setInstance(AppState *state);
+    // QML's singleton: the installed services' state.
     static AppState *create(QQmlEngine *, QJSEngine *);
 
     static QString appearanceText(Appearance appearance);

@@ -3,6 +3,7 @@
 #include "app/appstate.h"
 #include "app/browser.h"
 #include "app/passwordrule.h"
+#include "app/services.h"
 #include "server/apiclient.h"
 
 #include <QUrlQuery>
@@ -14,15 +15,47 @@ namespace {
 const QString enterEmailAndPassword = QStringLiteral("Enter your email and password.");
 const QString enterEmailFirst = QStringLiteral("Enter your email first.");
 
+// Signs in (or up) by email; a sign-in also takes the learner's preferences. The state outlives
+// every screen, so this runs on even when the screen has gone. Gives whether an account was
+// signed in (false after a sign-up, which waits for the confirmation link).
+QCoro::Task<bool> byEmail(AppState &state, SignInView::Mode mode, QString email, QString password,
+                          QString name)
+{
+    if (mode == SignInView::Mode::SignUp) {
+        co_await state.api().signUp(email, password, name);
+        co_return false;
+    }
+    state.setSignedIn(co_await state.api().signIn(email, password));
+    co_await state.adoptPreferences();
+    co_return true;
+}
+
+// Signs in through a provider's web page: a code is exchanged for the session, a failure reads
+// as the provider's message, a cancel is simply nothing.
+QCoro::Task<> byProvider(AppState &state, ProviderSignIn &signIn, QString provider)
+{
+    const QUrl start = state.api().url(QStringLiteral("auth/oauth/") + provider,
+                                       {{QStringLiteral("client"), "mac"}});
+    const ProviderSignIn::Outcome outcome = co_await signIn.run(start);
+    switch (outcome.kind) {
+    case ProviderSignIn::Outcome::Kind::code:
+        state.setSignedIn(co_await state.api().exchange(outcome.text));
+        co_await state.adoptPreferences();
+        break;
+    case ProviderSignIn::Outcome::Kind::failed:
+        throw ServerError(outcome.text);
+    case ProviderSignIn::Outcome::Kind::cancelled:
+        break;
+    }
+}
+
 } // namespace
 
 SignInView::SignInView(QObject *parent)
-    : QObject(parent), m_state(AppState::instance()), m_provider(new ProviderSignIn(this))
-{}
-
-SignInView::SignInView(AppState &state, QObject *parent)
-    : QObject(parent), m_state(&state), m_provider(new ProviderSignIn(this))
-{}
+    : QObject(parent), m_state(Services::current().state()), m_provider(new ProviderSignIn(this))
+{
+    connect(this, &SignInView::workingChanged, this, &SignInView::actionTitleChanged);
+}
 
 void SignInView::setEmail(const QString &email)
 {
@@ -51,9 +84,9 @@ void SignInView::setName(const QString &name)
 QString SignInView::actionTitle() const
 {
     if (m_mode == Mode::SignUp)
-        return m_working ? QStringLiteral("Making your account…")
+        return working() ? QStringLiteral("Making your account…")
                          : QStringLiteral("Make my account");
-    return m_working ? QStringLiteral("Signing in…") : QStringLiteral("Sign in");
+    return working() ? QStringLiteral("Signing in…") : QStringLiteral("Sign in");
 }
 
 QString SignInView::inboxText() const
@@ -64,152 +97,67 @@ QString SignInView::inboxText() const
 
 QCoro::Task<> SignInView::submitting()
 {
-    if (m_working || m_mode == Mode::CheckInbox || !m_state)
+    if (working() || m_mode == Mode::CheckInbox)
         co_return;
     if (m_email.isEmpty() || m_password.isEmpty()) {
-        setTrouble(enterEmailAndPassword);
+        m_calls.setTrouble(enterEmailAndPassword);
         moveFocus(m_email.isEmpty() ? Field::Email : Field::Password);
         co_return;
     }
     if (m_mode == Mode::SignUp && PasswordRule::tooShort(m_password)) {
-        setTrouble(PasswordRule::tooShortMessage());
+        m_calls.setTrouble(PasswordRule::tooShortMessage());
         moveFocus(Field::Password);
         co_return;
     }
-    setWorking(true);
-    setTrouble(std::nullopt);
     setUnconfirmed(false);
     setResent(false);
-
-    QPointer self(this);
-    QPointer state = m_state;
-    APIClient &api = m_state->api();
     const Mode mode = m_mode;
     // Learner input goes out trimmed of spaces and tabs; the password exactly as typed.
-    const QString email = m_email.trimmed();
-    std::optional<QString> failure;
-    bool refusedUnconfirmed = false;
-    std::optional<User> user;
-    try {
-        if (mode == Mode::SignUp) {
-            co_await api.signUp(email, m_password, m_name.trimmed());
-        } else {
-            user = co_await api.signIn(email, m_password);
-        }
-    } catch (const APIError &error) {
-        failure = error.message();
-        refusedUnconfirmed = error.status() == 403;
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
+    const auto signedIn = co_await m_calls.run(
+        byEmail(m_state, mode, m_email.trimmed(), m_password, m_name.trimmed()));
+    if (signedIn.gone())
         co_return;
-
-    if (failure) {
-        setTrouble(failure);
+    if (signedIn.failed()) {
         if (mode == Mode::SignIn) {
-            setUnconfirmed(refusedUnconfirmed);
+            setUnconfirmed(signedIn.status() == 403);
             setPassword(QString());
             moveFocus(Field::Password);
         }
     } else if (mode == Mode::SignUp) {
         setPassword(QString());
         setMode(Mode::CheckInbox);
-    } else if (state && user) {
-        state->setSignedIn(*user);
-        co_await state->adoptPreferences();
-        if (!self)
-            co_return;
     }
-    setWorking(false);
 }
 
 QCoro::Task<> SignInView::resending()
 {
-    if (m_working || !m_state)
+    if (working())
         co_return;
     if (m_email.isEmpty()) {
-        setTrouble(enterEmailFirst);
+        m_calls.setTrouble(enterEmailFirst);
         moveFocus(Field::Email);
         co_return;
     }
-    setWorking(true);
-    QPointer self(this);
-    std::optional<QString> failure;
-    try {
-        co_await m_state->api().resendVerification(m_email.trimmed());
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
-        co_return;
-    if (failure)
-        setTrouble(failure);
-    else
+    const auto sent = co_await m_calls.run(m_state.api().resendVerification(m_email.trimmed()),
+                                           CallOptions().keepingTrouble());
+    if (sent)
         setResent(true);
-    setWorking(false);
 }
 
 QCoro::Task<> SignInView::continuingWith(QString provider)
 {
-    if (m_working || !m_state)
+    if (working())
         co_return;
-    setWorking(true);
-    setTrouble(std::nullopt);
-
-    QPointer self(this);
-    QPointer state = m_state;
-    APIClient &api = m_state->api();
-    const QUrl start =
-        api.url(QStringLiteral("auth/oauth/") + provider, {{QStringLiteral("client"), "mac"}});
-    const ProviderSignIn::Outcome outcome = co_await m_provider->run(start);
-    if (!self)
-        co_return;
-
-    switch (outcome.kind) {
-    case ProviderSignIn::Outcome::Kind::code: {
-        std::optional<User> user;
-        std::optional<QString> failure;
-        try {
-            user = co_await api.exchange(outcome.text);
-        } catch (const ServerError &error) {
-            failure = error.message();
-        }
-        if (!self)
-            co_return;
-        if (failure) {
-            setTrouble(failure);
-        } else if (state && user) {
-            state->setSignedIn(*user);
-            co_await state->adoptPreferences();
-            if (!self)
-                co_return;
-        }
-        break;
-    }
-    case ProviderSignIn::Outcome::Kind::failed:
-        setTrouble(outcome.text);
-        break;
-    case ProviderSignIn::Outcome::Kind::cancelled:
-        break;
-    }
-    setWorking(false);
+    co_await m_calls.run(byProvider(m_state, *m_provider, provider));
 }
 
 QCoro::Task<> SignInView::loadingOptions()
 {
-    if (!m_state)
+    // Without the options the screen offers the email form only.
+    auto options = co_await m_calls.run(m_state.api().authOptions(), CallOptions().background());
+    if (!options)
         co_return;
-    QPointer self(this);
-    std::optional<AuthOptions> options;
-    try {
-        options = co_await m_state->api().authOptions();
-    } catch (const ServerError &) {
-        // Without the options the screen offers the email form only.
-    }
-    if (!self || !options)
-        co_return;
-    m_options = options;
+    m_options = std::move(options.value());
     emit optionsChanged();
 }
 
@@ -235,9 +183,7 @@ void SignInView::loadOptions()
 
 QUrl SignInView::forgotUrl() const
 {
-    if (!m_state)
-        return {};
-    QUrl url = m_state->api().baseUrl();
+    QUrl url = m_state.api().baseUrl();
     QString path = url.path();
     if (!path.endsWith(QLatin1Char('/')))
         path += QLatin1Char('/');
@@ -258,7 +204,7 @@ void SignInView::forgot()
 
 void SignInView::showSignUp()
 {
-    setTrouble(std::nullopt);
+    m_calls.setTrouble({});
     setUnconfirmed(false);
     setResent(false);
     setMode(Mode::SignUp);
@@ -267,7 +213,7 @@ void SignInView::showSignUp()
 
 void SignInView::showSignIn()
 {
-    setTrouble(std::nullopt);
+    m_calls.setTrouble({});
     setResent(false);
     setMode(Mode::SignIn);
     moveFocus(m_email.isEmpty() ? Field::Email : Field::Password);
@@ -276,23 +222,6 @@ void SignInView::showSignIn()
 void SignInView::noteFocus(Field field)
 {
     m_focus = field;
-}
-
-void SignInView::setTrouble(std::optional<QString> trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = std::move(trouble);
-    emit troubleChanged();
-}
-
-void SignInView::setWorking(bool working)
-{
-    if (m_working == working)
-        return;
-    m_working = working;
-    emit workingChanged();
-    emit actionTitleChanged();
 }
 
 void SignInView::setMode(Mode mode)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/providersignin.h"
+#include "app/servercalls.h"
 #include "records/authoptions.h"
 
 #include <optional>
@@ -42,9 +43,8 @@ public:
     enum class Field { None, Name, Email, Password };
     Q_ENUM(Field)
 
-    // Works on the given state and its server client; QML's instances use AppState::instance().
+    // Works on the installed services' app state and its server client.
     explicit SignInView(QObject *parent = nullptr);
-    explicit SignInView(AppState &state, QObject *parent = nullptr);
 
     QString email() const { return m_email; }
     void setEmail(const QString &email);
@@ -52,9 +52,8 @@ public:
     void setPassword(const QString &password);
     QString name() const { return m_name; }
     void setName(const QString &name);
-    QString trouble() const { return m_trouble.value_or(QString()); }
-    bool hasTrouble() const { return m_trouble.has_value(); }
-    bool working() const { return m_working; }
+    QString trouble() const { return m_calls.trouble(); }
+    bool working() const { return m_calls.working(); }
     Mode mode() const { return m_mode; }
     bool unconfirmed() const { return m_unconfirmed; }
     bool resent() const { return m_resent; }
@@ -103,20 +102,17 @@ signals:
     void actionTitleChanged();
 
 private:
-    void setTrouble(std::optional<QString> trouble);
-    void setWorking(bool working);
     void setMode(Mode mode);
     void setUnconfirmed(bool unconfirmed);
     void setResent(bool resent);
     void moveFocus(Field field);
 
-    QPointer<AppState> m_state;
+    AppState &m_state;
     ProviderSignIn *m_provider;
     QString m_email;
     QString m_password;
     QString m_name;
-    std::optional<QString> m_trouble;
-    bool m_working = false;
+    ServerCalls m_calls{this, &SignInView::workingChanged, &SignInView::troubleChanged};
     Mode m_mode = Mode::SignIn;
     bool m_unconfirmed = false;
     bool m_resent = false;

@@ -1,5 +1,6 @@
 #include "library/cardbin.h"
 
+#include "app/services.h"
 #include "app/timings.h"
 #include "library/cardlist.h"
 #include "library/shelftexts.h"
@@ -25,8 +26,8 @@ QCoro::Task<> sendDeletion(APIClient *api, int cardId, QPointer<CardBin> bin)
 }
 } // namespace
 
-CardBin::CardBin(APIClient &api, CardList &list, QObject *parent)
-    : QObject(parent), m_api(api), m_list(list)
+CardBin::CardBin(CardList &list, QObject *parent)
+    : QObject(parent), m_api(Services::current().api()), m_list(list)
 {
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, &CardBin::commitBin);

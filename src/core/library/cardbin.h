@@ -26,7 +26,7 @@ class CardBin : public QObject {
     Q_PROPERTY(QString text READ text NOTIFY changed)
     Q_PROPERTY(int cardId READ cardId NOTIFY changed)
 public:
-    CardBin(APIClient &api, CardList &list, QObject *parent = nullptr);
+    CardBin(CardList &list, QObject *parent = nullptr);
 
     bool pending() const { return m_binned.has_value(); }
     // "Deleted Hund" while a deletion is pending, else empty.

@@ -1,10 +1,10 @@
 #include "library/carddetail.h"
 
+#include "app/services.h"
 #include "library/cardbin.h"
 #include "library/cardlist.h"
 #include "server/apiclient.h"
 
-#include <QPointer>
 #include <QRegularExpression>
 #include <QVariantMap>
 
@@ -14,14 +14,14 @@ namespace {
 const QString separator = QStringLiteral(" · ");
 }
 
-CardDetail::CardDetail(APIClient &api, CardList &list, CardBin &bin, QObject *parent)
-    : QObject(parent), m_api(api), m_list(list), m_bin(bin)
+CardDetail::CardDetail(CardList &list, CardBin &bin, QObject *parent)
+    : QObject(parent), m_api(Services::current().api()), m_list(list), m_bin(bin)
 {
     connect(&m_list, &CardList::selectionChanged, this, [this] {
         // A message about one card does not stay when another is chosen.
         if (m_list.selectedCardId() != m_shownId) {
             m_shownId = m_list.selectedCardId();
-            setTrouble({});
+            m_calls.setTrouble({});
         }
         emit cardChanged();
     });
@@ -129,37 +129,22 @@ QString CardDetail::foot() const
 
 QCoro::Task<> CardDetail::rewrite()
 {
-    if (!hasCard() || m_working)
+    if (!hasCard() || working())
         co_return;
     co_await run(m_api.regenerate(card().id));
 }
 
 QCoro::Task<> CardDetail::answer(bool known)
 {
-    if (!hasCard() || m_working)
+    if (!hasCard() || working())
         co_return;
     co_await run(m_api.review(card().id, known));
 }
 
 QCoro::Task<> CardDetail::run(QCoro::Task<Card> call)
 {
-    QPointer self(this);
-    setWorking(true);
-    setTrouble({});
-    std::optional<Card> updated;
-    QString failure;
-    try {
-        updated = co_await std::move(call);
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
-        co_return;
-    setWorking(false);
-    if (updated)
+    if (auto updated = co_await m_calls.run(std::move(call)))
         m_list.replaceCard(*updated);
-    else
-        setTrouble(failure);
 }
 
 void CardDetail::requestRewrite()
@@ -176,22 +161,6 @@ void CardDetail::remove()
 {
     if (hasCard())
         m_bin.bin(card().id);
-}
-
-void CardDetail::setWorking(bool working)
-{
-    if (m_working == working)
-        return;
-    m_working = working;
-    emit workingChanged();
-}
-
-void CardDetail::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
 }
 
 } // namespace orvel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "records/card.h"
 
 #include <qcoro/qcorotask.h>
@@ -37,7 +38,7 @@ class CardDetail : public QObject {
     Q_PROPERTY(bool working READ working NOTIFY workingChanged)
     Q_PROPERTY(QString trouble READ trouble NOTIFY troubleChanged)
 public:
-    CardDetail(APIClient &api, CardList &list, CardBin &bin, QObject *parent = nullptr);
+    CardDetail(CardList &list, CardBin &bin, QObject *parent = nullptr);
 
     bool hasCard() const;
     Card card() const;
@@ -65,8 +66,8 @@ public:
     // The foot shows only when the detail is at least this wide (points).
     static constexpr int footWidth = 480;
     int footMinimumWidth() const { return footWidth; }
-    bool working() const { return m_working; }
-    QString trouble() const { return m_trouble; }
+    bool working() const { return m_calls.working(); }
+    QString trouble() const { return m_calls.trouble(); }
 
     // "rewrite": the server writes the card again.
     QCoro::Task<> rewrite();
@@ -84,14 +85,11 @@ signals:
 
 private:
     QCoro::Task<> run(QCoro::Task<Card> call);
-    void setWorking(bool working);
-    void setTrouble(const QString &trouble);
 
     APIClient &m_api;
     CardList &m_list;
     CardBin &m_bin;
-    bool m_working = false;
-    QString m_trouble;
+    ServerCalls m_calls{this, &CardDetail::workingChanged, &CardDetail::troubleChanged};
     int m_shownId = 0;
 };
 

@@ -1,7 +1,7 @@
 #include "library/cardlist.h"
 
+#include "app/services.h"
 #include "library/cardkinds.h"
-#include "library/screenapi.h"
 #include "server/apiclient.h"
 
 #include <QPointer>
@@ -24,9 +24,10 @@ CardFilter::Learned filterChoice(CardList::LearnedFilter learned)
 }
 } // namespace
 
-CardList::CardList(QObject *parent) : CardList(screenApi(), parent) {}
-
-CardList::CardList(APIClient &api, QObject *parent) : QAbstractListModel(parent), m_api(&api) {}
+CardList::CardList(QObject *parent)
+    : QAbstractListModel(parent), m_api(Services::current().api()),
+      m_calls(this, &CardList::loadingChanged, &CardList::troubleChanged)
+{}
 
 int CardList::rowCount(const QModelIndex &parent) const
 {
@@ -71,7 +72,6 @@ QHash<int, QByteArray> CardList::roleNames() const
 
 QCoro::Task<> CardList::load(int deckId)
 {
-    const quint64 generation = ++m_generation;
     const bool anotherDeck = deckId != this->deckId();
     if (anotherDeck) {
         m_kind.reset();
@@ -85,26 +85,14 @@ QCoro::Task<> CardList::load(int deckId)
         m_loadingId = deckId;
         setDeck(std::nullopt);
     }
-    setTrouble({});
-    setLoading(true);
-
-    QPointer self(this);
-    std::optional<Deck> loaded;
-    QString failure;
-    try {
-        loaded = co_await m_api->deck(deckId);
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self || generation != m_generation)
+    auto loaded = co_await m_calls.run(m_api.deck(deckId), CallOptions().latest());
+    if (loaded.gone())
         co_return;
-    setLoading(false);
     if (!loaded) {
         setDeck(std::nullopt);
-        setTrouble(failure);
         co_return;
     }
-    setDeck(std::move(loaded));
+    setDeck(std::move(loaded.value()));
     if (m_selection && deckIndexOf(*m_selection) < 0)
         select(0);
     emit deckLoaded(deckId);
@@ -117,28 +105,11 @@ void CardList::open(int deckId)
 
 void CardList::close()
 {
-    ++m_generation;
+    m_calls.abandonLatest();
     m_loadingId = 0;
-    setLoading(false);
-    setTrouble({});
+    m_calls.setTrouble({});
     select(0);
     setDeck(std::nullopt);
-}
-
-void CardList::setLoading(bool loading)
-{
-    if (m_loading == loading)
-        return;
-    m_loading = loading;
-    emit loadingChanged();
-}
-
-void CardList::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
 }
 
 void CardList::setDeck(std::optional<Deck> deck)

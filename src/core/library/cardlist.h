@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "library/cardfilter.h"
 #include "records/card.h"
 #include "records/deck.h"
@@ -57,7 +58,6 @@ public:
     Q_ENUM(LearnedFilter)
 
     explicit CardList(QObject *parent = nullptr);
-    CardList(APIClient &api, QObject *parent = nullptr);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -76,8 +76,8 @@ public:
     const std::optional<Deck> &deck() const { return m_deck; }
     QString deckName() const { return m_deck ? m_deck->name : QString(); }
     QString language() const { return m_deck ? m_deck->language : QString(); }
-    bool loading() const { return m_loading; }
-    QString trouble() const { return m_trouble; }
+    bool loading() const { return m_calls.working(); }
+    QString trouble() const { return m_calls.trouble(); }
     int total() const { return m_deck ? int(m_deck->cards.size()) : 0; }
     int learnedCount() const;
     // "42 cards · 17 learned".
@@ -136,19 +136,15 @@ signals:
     void cardReplaced(const orvel::Card &card);
 
 private:
-    void setLoading(bool loading);
-    void setTrouble(const QString &trouble);
     void setDeck(std::optional<Deck> deck);
     // Recomputes the shown rows after a filter or the deck changed.
     void refilter();
     qsizetype deckIndexOf(int cardId) const;
 
-    APIClient *m_api = nullptr;
+    APIClient &m_api;
+    ServerCalls m_calls;
     std::optional<Deck> m_deck;
     int m_loadingId = 0;
-    quint64 m_generation = 0;
-    bool m_loading = false;
-    QString m_trouble;
     CardFilter m_filter;
     std::optional<WordType> m_kind;
     QString m_query;

@@ -1,9 +1,10 @@
 #include "library/homeview.h"
 
 #include "app/appcommands.h"
+#include "app/services.h"
 #include "library/foldernaming.h"
 #include "library/learnerinput.h"
-#include "library/screenapi.h"
+#include "library/shelflisting.h"
 #include "library/shelftexts.h"
 #include "library/shutfolders.h"
 #include "library/sidebarorder.h"
@@ -14,12 +15,10 @@
 
 namespace orvel {
 
-HomeView::HomeView(QObject *parent) : HomeView(screenApi(), parent) {}
-
-HomeView::HomeView(APIClient &api, QObject *parent)
-    : QObject(parent), m_api(api), m_sidebar(new SidebarModel(this)),
-      m_cards(new CardList(api, this)), m_bin(new CardBin(api, *m_cards, this)),
-      m_detail(new CardDetail(api, *m_cards, *m_bin, this)), m_shut(ShutFolders::read())
+HomeView::HomeView(QObject *parent)
+    : QObject(parent), m_api(Services::current().api()), m_sidebar(new SidebarModel(this)),
+      m_cards(new CardList(this)), m_bin(new CardBin(*m_cards, this)),
+      m_detail(new CardDetail(*m_cards, *m_bin, this)), m_shut(ShutFolders::read())
 {
     connect(m_bin, &CardBin::binned, this,
             [this](const Card &card) { adjustCardCount(card.deckId, -1); });
@@ -57,27 +56,24 @@ std::optional<Folder> HomeView::folderById(int id) const
     return std::nullopt;
 }
 
+namespace {
+
+// Shelf edits run without the loading state; their failure reads as given or as the server's.
+CallOptions quietly(const QString &failureText = {})
+{
+    return CallOptions().quiet().failingWith(failureText);
+}
+
+} // namespace
+
 QCoro::Task<> HomeView::load()
 {
-    QPointer self(this);
-    setLoading(true);
-    std::optional<QList<DeckSummary>> decks;
-    std::optional<QList<Folder>> folders;
-    try {
-        decks = co_await m_api.decks();
-        folders = co_await m_api.folders();
-    } catch (const ServerError &) {
-    }
-    if (!self)
+    auto listing = co_await m_calls.run(ShelfListing::fetch(m_api),
+                                        CallOptions().failingWith(shelftexts::couldNotLoadDecks()));
+    if (!listing)
         co_return;
-    setLoading(false);
-    if (!decks || !folders) {
-        setTrouble(shelftexts::couldNotLoadDecks());
-        co_return;
-    }
-    setTrouble({});
-    m_decks = std::move(*decks);
-    m_folders = std::move(*folders);
+    m_decks = std::move(listing->decks);
+    m_folders = std::move(listing->folders);
     // A card whose deletion is still pending is still counted by the server.
     if (const auto binned = m_bin->binnedCard())
         for (DeckSummary &deck : m_decks)
@@ -90,22 +86,6 @@ QCoro::Task<> HomeView::load()
 void HomeView::reload()
 {
     load();
-}
-
-void HomeView::setLoading(bool loading)
-{
-    if (m_loading == loading)
-        return;
-    m_loading = loading;
-    emit loadingChanged();
-}
-
-void HomeView::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
 }
 
 void HomeView::rebuildSidebar()
@@ -186,8 +166,7 @@ bool HomeView::file(const QList<int> &deckIds, std::optional<int> folder)
 
 QCoro::Task<bool> HomeView::move(QList<int> deckIds, std::optional<int> folder)
 {
-    QPointer self(this);
-    setTrouble({});
+    m_calls.setTrouble({});
     for (int id : deckIds) {
         const auto deck = deckById(id);
         // A deck whose folder is gone from the listing counts as loose.
@@ -196,17 +175,10 @@ QCoro::Task<bool> HomeView::move(QList<int> deckIds, std::optional<int> folder)
             (folder ? deck->folderId == folder : !deck->folderId || !folderById(*deck->folderId));
         if (!deck || alreadyThere)
             continue;
-        std::optional<DeckSummary> moved;
-        try {
-            moved = co_await m_api.moveDeck(id, folder);
-        } catch (const ServerError &) {
-        }
-        if (!self)
+        auto moved =
+            co_await m_calls.run(m_api.moveDeck(id, folder), quietly(shelftexts::couldNotFile()));
+        if (!moved)
             co_return false;
-        if (!moved) {
-            setTrouble(shelftexts::couldNotFile());
-            co_return false;
-        }
         replaceDeck(*moved);
     }
     co_return true;
@@ -214,31 +186,23 @@ QCoro::Task<bool> HomeView::move(QList<int> deckIds, std::optional<int> folder)
 
 QCoro::Task<std::optional<Folder>> HomeView::newFolder(std::optional<int> deckId)
 {
-    QPointer self(this);
-    setTrouble({});
-    const QString name = untitledFolderName(m_folders);
-    std::optional<Folder> made;
-    try {
-        made = co_await m_api.createFolder(name);
-    } catch (const ServerError &) {
-    }
-    if (!self)
+    auto made = co_await m_calls.run(m_api.createFolder(untitledFolderName(m_folders)),
+                                     quietly(shelftexts::couldNotFile()));
+    if (!made)
         co_return std::nullopt;
-    if (!made) {
-        setTrouble(shelftexts::couldNotFile());
-        co_return std::nullopt;
-    }
     m_folders.append(*made);
     m_shut.remove(made->id);
     shelfEdited();
+    const Folder folder = *made;
     if (deckId) {
+        const QPointer<HomeView> self(this);
         const QList<int> ids{*deckId};
-        co_await move(ids, made->id);
+        co_await move(ids, folder.id);
+        if (!self)
+            co_return std::nullopt;
     }
-    if (!self)
-        co_return std::nullopt;
-    setEditingFolderId(made->id);
-    co_return made;
+    setEditingFolderId(folder.id);
+    co_return folder;
 }
 
 void HomeView::requestNewFolder(int deckId)
@@ -264,21 +228,9 @@ QCoro::Task<> HomeView::renameFolder(int folderId, QString name)
     const auto folder = folderById(folderId);
     if (!folder || name.isEmpty() || name == folder->name)
         co_return;
-    QPointer self(this);
-    setTrouble({});
-    std::optional<Folder> renamed;
-    QString failure;
-    try {
-        renamed = co_await m_api.renameFolder(folderId, name);
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
+    auto renamed = co_await m_calls.run(m_api.renameFolder(folderId, name), quietly());
+    if (!renamed)
         co_return;
-    if (!renamed) {
-        setTrouble(failure);
-        co_return;
-    }
     for (Folder &f : m_folders)
         if (f.id == folderId)
             f = *renamed;
@@ -301,25 +253,9 @@ QString HomeView::folderDeleteDetail(int folderId) const
     return shelftexts::folderDeleteDetail(int(decksInFolder(m_decks, folderId).size()));
 }
 
-QCoro::Task<bool> HomeView::wentThrough(QCoro::Task<> call)
-{
-    QPointer self(this);
-    setTrouble({});
-    QString failure;
-    try {
-        co_await std::move(call);
-        co_return !self.isNull();
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (self)
-        setTrouble(failure);
-    co_return false;
-}
-
 QCoro::Task<> HomeView::deleteFolder(int folderId)
 {
-    if (!co_await wentThrough(m_api.deleteFolder(folderId)))
+    if (!co_await m_calls.run(m_api.deleteFolder(folderId), quietly()))
         co_return;
     m_folders.removeIf([folderId](const Folder &f) { return f.id == folderId; });
     // Its decks stay, loose.
@@ -352,7 +288,7 @@ QString HomeView::deckDeleteDetail(int deckId) const
 
 QCoro::Task<> HomeView::deleteDeck(int deckId)
 {
-    if (!co_await wentThrough(m_api.deleteDeck(deckId)))
+    if (!co_await m_calls.run(m_api.deleteDeck(deckId), quietly()))
         co_return;
     m_decks.removeIf([deckId](const DeckSummary &d) { return d.id == deckId; });
     shelfEdited();

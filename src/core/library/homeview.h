@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "library/cardbin.h"
 #include "library/carddetail.h"
 #include "library/cardlist.h"
@@ -48,9 +49,7 @@ public:
     static QString deckDragType() { return QStringLiteral("dev.zelon.app.deck"); }
     Q_INVOKABLE QString dragType() const { return deckDragType(); }
 
-    // QML's home screen talks to the shared client.
     explicit HomeView(QObject *parent = nullptr);
-    HomeView(APIClient &api, QObject *parent = nullptr);
     ~HomeView() override;
 
     SidebarModel *sidebar() const { return m_sidebar; }
@@ -61,13 +60,13 @@ public:
     const QList<DeckSummary> &decks() const { return m_decks; }
     const QList<Folder> &folders() const { return m_folders; }
     const QSet<int> &shut() const { return m_shut; }
-    bool loading() const { return m_loading; }
+    bool loading() const { return m_calls.working(); }
     bool loaded() const { return m_loaded; }
     bool shelfEmpty() const { return m_loaded && m_decks.isEmpty() && m_folders.isEmpty(); }
     bool hasDecks() const { return !m_decks.isEmpty(); }
     // [{id, name}] of every folder, in listing order (the "Move to" menu).
     QVariantList folderChoices() const;
-    QString trouble() const { return m_trouble; }
+    QString trouble() const { return m_calls.trouble(); }
 
     std::optional<DeckSummary> deckById(int id) const;
     std::optional<Folder> folderById(int id) const;
@@ -157,11 +156,6 @@ signals:
     void editingFolderIdChanged();
 
 private:
-    // Runs a call that changes the shelf: true once it went through. Its failure becomes
-    // `trouble`; false as well when this view went away meanwhile (touch nothing then).
-    QCoro::Task<bool> wentThrough(QCoro::Task<> call);
-    void setLoading(bool loading);
-    void setTrouble(const QString &trouble);
     void rebuildSidebar();
     void shelfEdited();
     void adjustCardCount(int deckId, int by);
@@ -174,9 +168,8 @@ private:
     QList<DeckSummary> m_decks;
     QList<Folder> m_folders;
     QSet<int> m_shut;
-    bool m_loading = false;
     bool m_loaded = false;
-    QString m_trouble;
+    ServerCalls m_calls{this, &HomeView::loadingChanged, &HomeView::troubleChanged};
     int m_selectedDeck = 0;
     int m_editingFolder = 0;
 };

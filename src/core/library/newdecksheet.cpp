@@ -1,17 +1,19 @@
 #include "library/newdecksheet.h"
 
+#include "app/services.h"
 #include "library/homeview.h"
 #include "library/learnerinput.h"
-#include "library/screenapi.h"
 #include "server/apiclient.h"
 
 #include <QVariantMap>
 
 namespace orvel {
 
-NewDeckSheet::NewDeckSheet(QObject *parent) : NewDeckSheet(screenApi(), parent) {}
-
-NewDeckSheet::NewDeckSheet(APIClient &api, QObject *parent) : QObject(parent), m_api(api) {}
+NewDeckSheet::NewDeckSheet(QObject *parent) : QObject(parent), m_api(Services::current().api())
+{
+    // Whether the sheet can start depends on whether it is already starting.
+    connect(this, &NewDeckSheet::workingChanged, this, &NewDeckSheet::formChanged);
+}
 
 void NewDeckSheet::setHome(HomeView *home)
 {
@@ -85,13 +87,13 @@ bool NewDeckSheet::knownLanguage(const QString &code) const
 
 bool NewDeckSheet::canStart() const
 {
-    return !m_working && !trimSpacesAndTabs(m_name).isEmpty() && knownLanguage(m_language) &&
+    return !working() && !trimSpacesAndTabs(m_name).isEmpty() && knownLanguage(m_language) &&
            knownLanguage(m_nativeLanguage);
 }
 
 QString NewDeckSheet::startText() const
 {
-    return m_working ? QStringLiteral("Starting…") : QStringLiteral("Start deck");
+    return working() ? QStringLiteral("Starting…") : QStringLiteral("Start deck");
 }
 
 void NewDeckSheet::prepare()
@@ -102,31 +104,22 @@ void NewDeckSheet::prepare()
     m_nativeLanguage.clear();
     m_folderId = 0;
     emit formChanged();
-    setTrouble({});
+    m_calls.setTrouble({});
     if (!m_languagesLoaded && !m_languagesLoading)
         loadLanguages();
 }
 
 QCoro::Task<> NewDeckSheet::loadLanguages()
 {
-    QPointer self(this);
     m_languagesLoading = true;
     emit languagesChanged();
-    std::optional<QList<Language>> languages;
-    QString failure;
-    try {
-        languages = co_await m_api.languages();
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
+    auto languages = co_await m_calls.run(m_api.languages(), CallOptions().quiet());
+    if (languages.gone())
         co_return;
     m_languagesLoading = false;
     if (languages) {
         m_languages = std::move(*languages);
         m_languagesLoaded = true;
-    } else {
-        setTrouble(failure);
     }
     emit languagesChanged();
     emit formChanged();
@@ -136,51 +129,20 @@ QCoro::Task<std::optional<DeckSummary>> NewDeckSheet::start()
 {
     if (!canStart())
         co_return std::nullopt;
-    QPointer self(this);
-    setWorking(true);
-    setTrouble({});
-    std::optional<DeckSummary> made;
-    QString failure;
-    try {
-        made = co_await m_api.createDeck(
-            trimSpacesAndTabs(m_name), trimSpacesAndTabs(m_description), m_language,
-            m_nativeLanguage, m_folderId ? std::optional<int>(m_folderId) : std::nullopt);
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
-        co_return made;
-    setWorking(false);
-    if (!made) {
-        setTrouble(failure);
+    auto made = co_await m_calls.run(m_api.createDeck(
+        trimSpacesAndTabs(m_name), trimSpacesAndTabs(m_description), m_language, m_nativeLanguage,
+        m_folderId ? std::optional<int>(m_folderId) : std::nullopt));
+    if (!made)
         co_return std::nullopt;
-    }
     if (m_home)
         m_home->adopt(*made);
     emit started(*made);
-    co_return made;
+    co_return *made;
 }
 
 void NewDeckSheet::requestStart()
 {
     start();
-}
-
-void NewDeckSheet::setWorking(bool working)
-{
-    if (m_working == working)
-        return;
-    m_working = working;
-    emit workingChanged();
-    emit formChanged();
-}
-
-void NewDeckSheet::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
 }
 
 } // namespace orvel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "records/decksummary.h"
 #include "records/language.h"
 
@@ -38,7 +39,6 @@ class NewDeckSheet : public QObject {
     Q_PROPERTY(QString trouble READ trouble NOTIFY troubleChanged)
 public:
     explicit NewDeckSheet(QObject *parent = nullptr);
-    NewDeckSheet(APIClient &api, QObject *parent = nullptr);
 
     HomeView *home() const { return m_home; }
     void setHome(HomeView *home);
@@ -64,10 +64,10 @@ public:
 
     // A name (after trimming spaces and tabs) and both languages picked, and not already working.
     bool canStart() const;
-    bool working() const { return m_working; }
+    bool working() const { return m_calls.working(); }
     // "Start deck", or "Starting…" while working.
     QString startText() const;
-    QString trouble() const { return m_trouble; }
+    QString trouble() const { return m_calls.trouble(); }
 
     // Empties the form and loads the languages (once).
     Q_INVOKABLE void prepare();
@@ -87,8 +87,6 @@ signals:
     void started(const orvel::DeckSummary &deck);
 
 private:
-    void setWorking(bool working);
-    void setTrouble(const QString &trouble);
     bool knownLanguage(const QString &code) const;
 
     APIClient &m_api;
@@ -101,8 +99,7 @@ private:
     QString m_language;
     QString m_nativeLanguage;
     int m_folderId = 0;
-    bool m_working = false;
-    QString m_trouble;
+    ServerCalls m_calls{this, &NewDeckSheet::workingChanged, &NewDeckSheet::troubleChanged};
 };
 
 } // namespace orvel

@@ -1,15 +1,18 @@
 #include "library/renamedecksheet.h"
 
+#include "app/services.h"
 #include "library/homeview.h"
 #include "library/learnerinput.h"
-#include "library/screenapi.h"
 #include "server/apiclient.h"
 
 namespace orvel {
 
-RenameDeckSheet::RenameDeckSheet(QObject *parent) : RenameDeckSheet(screenApi(), parent) {}
-
-RenameDeckSheet::RenameDeckSheet(APIClient &api, QObject *parent) : QObject(parent), m_api(api) {}
+RenameDeckSheet::RenameDeckSheet(QObject *parent)
+    : QObject(parent), m_api(Services::current().api())
+{
+    // Whether the sheet can save depends on whether it is already saving.
+    connect(this, &RenameDeckSheet::workingChanged, this, &RenameDeckSheet::nameChanged);
+}
 
 void RenameDeckSheet::setHome(HomeView *home)
 {
@@ -25,7 +28,7 @@ void RenameDeckSheet::setDeckId(int deckId)
     const auto deck = m_home ? m_home->deckById(deckId) : std::nullopt;
     m_description = deck ? deck->description : QString();
     setName(deck ? deck->name : QString());
-    setTrouble({});
+    m_calls.setTrouble({});
     emit deckIdChanged();
 }
 
@@ -39,56 +42,26 @@ void RenameDeckSheet::setName(const QString &name)
 
 bool RenameDeckSheet::canSave() const
 {
-    return !m_working && m_deckId != 0 && !trimSpacesAndTabs(m_name).isEmpty();
+    return !working() && m_deckId != 0 && !trimSpacesAndTabs(m_name).isEmpty();
 }
 
 QCoro::Task<std::optional<DeckSummary>> RenameDeckSheet::save()
 {
     if (!canSave())
         co_return std::nullopt;
-    QPointer self(this);
-    setWorking(true);
-    setTrouble({});
-    std::optional<DeckSummary> renamed;
-    QString failure;
-    try {
-        renamed = co_await m_api.renameDeck(m_deckId, trimSpacesAndTabs(m_name), m_description);
-    } catch (const ServerError &error) {
-        failure = error.message();
-    }
-    if (!self)
-        co_return renamed;
-    setWorking(false);
-    if (!renamed) {
-        setTrouble(failure);
+    auto renamed =
+        co_await m_calls.run(m_api.renameDeck(m_deckId, trimSpacesAndTabs(m_name), m_description));
+    if (!renamed)
         co_return std::nullopt;
-    }
     if (m_home)
         m_home->replaceDeck(*renamed);
     emit saved(*renamed);
-    co_return renamed;
+    co_return *renamed;
 }
 
 void RenameDeckSheet::requestSave()
 {
     save();
-}
-
-void RenameDeckSheet::setWorking(bool working)
-{
-    if (m_working == working)
-        return;
-    m_working = working;
-    emit workingChanged();
-    emit nameChanged();
-}
-
-void RenameDeckSheet::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
 }
 
 } // namespace orvel

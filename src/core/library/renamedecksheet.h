@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "records/decksummary.h"
 
 #include <qcoro/qcorotask.h>
@@ -26,7 +27,6 @@ class RenameDeckSheet : public QObject {
     Q_PROPERTY(QString trouble READ trouble NOTIFY troubleChanged)
 public:
     explicit RenameDeckSheet(QObject *parent = nullptr);
-    RenameDeckSheet(APIClient &api, QObject *parent = nullptr);
 
     HomeView *home() const { return m_home; }
     void setHome(HomeView *home);
@@ -37,8 +37,8 @@ public:
     void setName(const QString &name);
     // A name that is not blank (after trimming spaces and tabs), and not working.
     bool canSave() const;
-    bool working() const { return m_working; }
-    QString trouble() const { return m_trouble; }
+    bool working() const { return m_calls.working(); }
+    QString trouble() const { return m_calls.trouble(); }
 
     QCoro::Task<std::optional<DeckSummary>> save();
     Q_INVOKABLE void requestSave();
@@ -53,16 +53,12 @@ signals:
     void saved(const orvel::DeckSummary &deck);
 
 private:
-    void setWorking(bool working);
-    void setTrouble(const QString &trouble);
-
     APIClient &m_api;
     QPointer<HomeView> m_home;
     int m_deckId = 0;
     QString m_name;
     QString m_description;
-    bool m_working = false;
-    QString m_trouble;
+    ServerCalls m_calls{this, &RenameDeckSheet::workingChanged, &RenameDeckSheet::troubleChanged};
 };
 
 } // namespace orvel

@@ -66,12 +66,6 @@ APIClient::APIClient(std::optional<QUrl> baseUrl, const QString &cookiePath,
 
 APIClient::~APIClient() = default;
 
-APIClient &APIClient::shared()
-{
-    static APIClient *client = new APIClient();
-    return *client;
-}
-
 QUrl APIClient::defaultBaseUrl()
 {
     const QUrl url(QString::fromLatin1(defaultServer), QUrl::StrictMode);

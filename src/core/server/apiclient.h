@@ -83,7 +83,6 @@ public:
               QObject *parent = nullptr);
     ~APIClient() override;
 
-    static APIClient &shared();
     static QUrl defaultBaseUrl();
     // ZELON_HOST as given on the command line (-ZELON_HOST URL or --ZELON_HOST=URL), in the
     // environment, or in the settings file, in that order; nothing when absent or unparsable.

@@ -1,8 +1,8 @@
 #include "sound/speech.h"
 
+#include "app/services.h"
 #include "server/apiclient.h"
 #include "sound/audiooutput.h"
-#include "sound/silentoutput.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,34 +16,15 @@
 
 namespace orvel {
 
-namespace {
-
-AudioOutput *sharedOutput = nullptr;
-
-} // namespace
-
 Speech::Speech(APIClient &api, AudioOutput &output, const QString &cacheDir, QObject *parent)
     : QObject(parent), m_api(api), m_output(output), m_cacheDir(cacheDir)
 {}
 
 Speech::~Speech() = default;
 
-Speech &Speech::shared()
-{
-    static SilentOutput silent;
-    static Speech *speech =
-        new Speech(APIClient::shared(), sharedOutput ? *sharedOutput : silent, QDir::tempPath());
-    return *speech;
-}
-
-void Speech::useOutput(AudioOutput *output)
-{
-    sharedOutput = output;
-}
-
 Speech *Speech::create(QQmlEngine *, QJSEngine *)
 {
-    Speech *speech = &shared();
+    Speech *speech = &Services::current().speech();
     QJSEngine::setObjectOwnership(speech, QJSEngine::CppOwnership);
     return speech;
 }

@@ -27,15 +27,11 @@ class Speech : public QObject {
     Q_PROPERTY(bool slow READ slow WRITE setSlow NOTIFY slowChanged)
 
 public:
-    // `cacheDir` holds the fetched clips; the shared player uses the system's temporary folder.
+    // `cacheDir` holds the fetched clips.
     Speech(APIClient &api, AudioOutput &output, const QString &cacheDir, QObject *parent = nullptr);
     ~Speech() override;
 
-    // The process's player, made on first use with the shared client, gain 1.0, and the output
-    // given to useOutput() (a silent one when the process has none).
-    static Speech &shared();
-    // Sets the output the shared player will use; call before the first shared().
-    static void useOutput(AudioOutput *output);
+    // QML's singleton: the installed services' player.
     static Speech *create(QQmlEngine *, QJSEngine *);
 
     // The text whose clip is being fetched or played ("preview:<voice>" for a voice sample);

@@ -10,12 +10,12 @@
 #include <algorithm>
 #include <QPointer>
 
+#include "app/services.h"
+
 namespace orvel {
 
-StudyView::StudyView(QObject *parent) : StudyView(APIClient::shared(), Speech::shared(), parent) {}
-
-StudyView::StudyView(APIClient &api, Speech &speech, QObject *parent)
-    : QObject(parent), m_api(api), m_speech(speech)
+StudyView::StudyView(QObject *parent)
+    : QObject(parent), m_api(Services::current().api()), m_speech(Services::current().speech())
 {}
 
 StudyView::~StudyView() = default;
@@ -27,20 +27,21 @@ void StudyView::setReviewed(std::function<void(const Card &)> reviewed)
 
 void StudyView::start(const DeckSummary &deck, const QList<Card> &cards)
 {
-    ++m_load;
+    m_calls.abandonLatest();
     begin(deck.name, cards, {}, deck.language);
 }
 
 void StudyView::start(const StudySet &set)
 {
-    ++m_load;
+    m_calls.abandonLatest();
     begin(set.title, set.cards, set.languages, QString());
 }
 
 void StudyView::studyDeck(const DeckSummary &deck)
 {
+    // The load starts first, so the emptied session already reads as loading.
+    loadDeck(deck);
     reset(deck.name);
-    loadDeck(deck, ++m_load);
 }
 
 bool StudyView::studyDecks(const QString &deckIds)
@@ -48,15 +49,15 @@ bool StudyView::studyDecks(const QString &deckIds)
     const QList<int> ids = FolderStudy::parseIds(deckIds);
     if (ids.isEmpty())
         return false;
+    loadSet(FolderStudy::gather(m_api, QString(), ids));
     reset(QString());
-    loadSet(FolderStudy::gather(m_api, QString(), ids), ++m_load);
     return true;
 }
 
 void StudyView::studyFolder(const Folder &folder, const QList<DeckSummary> &decks)
 {
+    loadSet(FolderStudy::gather(m_api, folder, decks));
     reset(folder.name);
-    loadSet(FolderStudy::gather(m_api, folder, decks), ++m_load);
 }
 
 void StudyView::reset(const QString &title)
@@ -70,42 +71,21 @@ void StudyView::reset(const QString &title)
     m_flipped = false;
     m_expanded = false;
     m_said.clear();
-    m_trouble.clear();
-    m_loading = true;
     emit changed();
 }
 
-void StudyView::fail(const QString &message)
+QCoro::Task<> StudyView::loadDeck(DeckSummary deck)
 {
-    m_loading = false;
-    m_trouble = message;
-    emit changed();
+    const auto loaded = co_await m_calls.run(m_api.deck(deck.id), CallOptions().latest());
+    if (loaded)
+        begin(deck.name, loaded->cards, {}, deck.language);
 }
 
-QCoro::Task<> StudyView::loadDeck(DeckSummary deck, quint64 load)
+QCoro::Task<> StudyView::loadSet(QCoro::Task<StudySet> gathering)
 {
-    QPointer self(this);
-    try {
-        const Deck loaded = co_await m_api.deck(deck.id);
-        if (self && m_load == load)
-            begin(deck.name, loaded.cards, {}, deck.language);
-    } catch (const ServerError &error) {
-        if (self && m_load == load)
-            fail(error.message());
-    }
-}
-
-QCoro::Task<> StudyView::loadSet(QCoro::Task<StudySet> gathering, quint64 load)
-{
-    QPointer self(this);
-    try {
-        const StudySet set = co_await std::move(gathering);
-        if (self && m_load == load)
-            begin(set.title, set.cards, set.languages, QString());
-    } catch (const ServerError &error) {
-        if (self && m_load == load)
-            fail(error.message());
-    }
+    const auto set = co_await m_calls.run(std::move(gathering), CallOptions().latest());
+    if (set)
+        begin(set->title, set->cards, set->languages, QString());
 }
 
 void StudyView::begin(const QString &title, const QList<Card> &cards,
@@ -120,8 +100,7 @@ void StudyView::begin(const QString &title, const QList<Card> &cards,
     m_flipped = false;
     m_expanded = false;
     m_said.clear();
-    m_trouble.clear();
-    m_loading = false;
+    m_calls.setTrouble({});
     emit changed();
     listen();
     readSettings();
@@ -129,23 +108,19 @@ void StudyView::begin(const QString &title, const QList<Card> &cards,
 
 QCoro::Task<> StudyView::readSettings()
 {
-    QPointer self(this);
-    try {
-        const Preferences preferences = co_await m_api.preferences();
-        if (self && m_hearOnFlip != preferences.hearOnFlip) {
-            m_hearOnFlip = preferences.hearOnFlip;
-            emit hearOnFlipChanged();
-        }
-    } catch (const ServerError &) {
-        // Without the settings the card is simply not spoken when it turns.
+    // Without the settings the card is simply not spoken when it turns.
+    const auto preferences = co_await m_calls.run(m_api.preferences(), CallOptions().background());
+    if (preferences && m_hearOnFlip != preferences->hearOnFlip) {
+        m_hearOnFlip = preferences->hearOnFlip;
+        emit hearOnFlipChanged();
     }
 }
 
 StudyView::State StudyView::state() const
 {
-    if (m_loading)
+    if (m_calls.working())
         return State::Loading;
-    if (!m_trouble.isEmpty())
+    if (!m_calls.trouble().isEmpty())
         return State::Failed;
     if (m_queue.isEmpty())
         return State::Empty;

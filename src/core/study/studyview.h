@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "records/card.h"
 #include "records/decksummary.h"
 #include "records/folder.h"
@@ -63,7 +64,6 @@ public:
 
     // A view on the shared client and speech player (what QML creates).
     explicit StudyView(QObject *parent = nullptr);
-    StudyView(APIClient &api, Speech &speech, QObject *parent = nullptr);
     ~StudyView() override;
 
     // Starts a session over a deck's cards as the opener holds them.
@@ -118,7 +118,7 @@ public:
     QString hint() const;
     QString moreLabel() const;
     QString tally() const;
-    QString trouble() const { return m_trouble; }
+    QString trouble() const { return m_calls.trouble(); }
     bool hearOnFlip() const { return m_hearOnFlip; }
     bool listening() const { return m_listening; }
     void setListening(bool listening);
@@ -143,11 +143,11 @@ signals:
 private:
     void begin(const QString &title, const QList<Card> &cards, const QHash<int, QString> &languages,
                const QString &fallbackLanguage);
+    // Empties the session for the cards on their way.
     void reset(const QString &title);
-    void fail(const QString &message);
     void moveTo(qsizetype index);
-    QCoro::Task<> loadDeck(DeckSummary deck, quint64 load);
-    QCoro::Task<> loadSet(QCoro::Task<StudySet> gathering, quint64 load);
+    QCoro::Task<> loadDeck(DeckSummary deck);
+    QCoro::Task<> loadSet(QCoro::Task<StudySet> gathering);
     QCoro::Task<> readSettings();
     QCoro::Task<> sendReview(Card card, bool known);
 
@@ -164,10 +164,9 @@ private:
     QMap<int, bool> m_said;
     bool m_hearOnFlip = false;
     bool m_listening = false;
-    bool m_loading = false;
-    QString m_trouble;
     // Bumped by every start and load, so a load that was overtaken by a newer one is dropped.
-    quint64 m_load = 0;
+    // Loading the cards is the latest-only call: a new session drops the one still loading.
+    ServerCalls m_calls{this, &StudyView::changed, &StudyView::changed};
 };
 
 } // namespace orvel

@@ -13,10 +13,7 @@ ByteSheet::ByteSheet(Byte byte, QString language, QList<NoteSummary> notes, Keep
       m_notes(std::move(notes)), m_keep(std::move(keep)), m_fates(m_byte.phrases.size(), Fate::Bin)
 {}
 
-ByteSheet::~ByteSheet()
-{
-    *m_alive = false;
-}
+ByteSheet::~ByteSheet() = default;
 
 QVariantList ByteSheet::phrases() const
 {
@@ -158,24 +155,13 @@ QList<Kept> ByteSheet::keptList() const
 
 QCoro::Task<> ByteSheet::commit()
 {
-    if (m_working || !m_keep || kept() == 0)
+    if (working() || !m_keep || kept() == 0)
         co_return;
-    const std::shared_ptr<bool> alive = m_alive;
-    setWorking(true);
-    setTrouble({});
-    try {
-        const Landed result = co_await m_keep(keptList(), m_context, m_into);
-        if (!*alive)
-            co_return;
-        setWorking(false);
-        emit landed(result);
-        emit closed();
-    } catch (const ServerError &error) {
-        if (!*alive)
-            co_return;
-        setTrouble(error.message());
-        setWorking(false);
-    }
+    const auto result = co_await m_calls.run(m_keep(keptList(), m_context, m_into));
+    if (!result)
+        co_return;
+    emit landed(*result);
+    emit closed();
 }
 
 void ByteSheet::keep()
@@ -200,22 +186,6 @@ QVariantMap ByteSheet::texts()
             {QStringLiteral("bin"), writingtexts::leaveIt()},
             {QStringLiteral("note"), writingtexts::toANote()},
             {QStringLiteral("card"), writingtexts::asACard()}};
-}
-
-void ByteSheet::setWorking(bool working)
-{
-    if (m_working == working)
-        return;
-    m_working = working;
-    emit workingChanged();
-}
-
-void ByteSheet::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
 }
 
 } // namespace orvel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "records/byte.h"
 #include "records/kept.h"
 #include "records/landed.h"
@@ -87,8 +88,8 @@ public:
     // The phrases kept, in phrase order.
     QList<Kept> keptList() const;
 
-    bool working() const { return m_working; }
-    QString trouble() const { return m_trouble; }
+    bool working() const { return m_calls.working(); }
+    QString trouble() const { return m_calls.trouble(); }
     // The sheet's fixed wording by name: byte, pattern, remember, whatToRemember, hearIt, into,
     // cancel, and the fate buttons bin, note and card.
     static QVariantMap texts();
@@ -113,9 +114,6 @@ signals:
     void closed();
 
 private:
-    void setWorking(bool working);
-    void setTrouble(const QString &trouble);
-
     Byte m_byte;
     QString m_language;
     QList<NoteSummary> m_notes;
@@ -123,9 +121,7 @@ private:
     QList<Fate> m_fates;
     bool m_context = false;
     std::optional<int> m_into;
-    bool m_working = false;
-    QString m_trouble;
-    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    ServerCalls m_calls{this, &ByteSheet::workingChanged, &ByteSheet::troubleChanged};
 };
 
 } // namespace orvel

@@ -1,12 +1,13 @@
 #include "writing/cardwriter.h"
 
+#include "app/services.h"
 #include "server/apiclient.h"
 
 #include <QMetaObject>
 
 namespace orvel {
 
-CardWriter::CardWriter(APIClient &api, QObject *parent) : QObject(parent), m_api(api) {}
+CardWriter::CardWriter(QObject *parent) : QObject(parent), m_api(Services::current().api()) {}
 
 CardWriter::~CardWriter()
 {

@@ -20,7 +20,7 @@ class StreamReply;
 class CardWriter : public QObject {
     Q_OBJECT
 public:
-    explicit CardWriter(APIClient &api, QObject *parent = nullptr);
+    explicit CardWriter(QObject *parent = nullptr);
     ~CardWriter() override;
 
     bool busy() const { return m_busy; }

@@ -1,6 +1,7 @@
 #include "writing/composer.h"
 
 #include "app/appstate.h"
+#include "app/services.h"
 #include "library/learnerinput.h"
 #include "server/apiclient.h"
 #include "writing/bytesheet.h"
@@ -10,10 +11,26 @@
 
 namespace orvel {
 
-Composer::Composer(QObject *parent) : Composer(APIClient::shared(), parent) {}
+namespace {
 
-Composer::Composer(APIClient &api, QObject *parent)
-    : QObject(parent), m_api(api), m_writer(new CardWriter(api, this)),
+// A short lesson on the topic, with the deck's notes it could be kept into.
+struct LessonOffer {
+    Byte byte;
+    QList<NoteSummary> notes;
+};
+
+QCoro::Task<LessonOffer> lessonOffer(APIClient &api, int deckId, QString topic)
+{
+    LessonOffer offer;
+    offer.byte = co_await api.byte(deckId, topic);
+    offer.notes = co_await api.notes(deckId);
+    co_return offer;
+}
+
+} // namespace
+
+Composer::Composer(QObject *parent)
+    : QObject(parent), m_services(Services::current()), m_writer(new CardWriter(this)),
       m_progress(new WritingSheet(this))
 {
     connect(m_writer, &CardWriter::busyChanged, this, &Composer::addingChanged);
@@ -24,21 +41,18 @@ Composer::Composer(APIClient &api, QObject *parent)
         putFirst({card});
         emit cardWritten(card);
     });
-    connect(m_writer, &CardWriter::failed, this, &Composer::setRefused);
-    connect(m_writer, &CardWriter::refused, this, &Composer::setRefused);
-    connect(m_writer, &CardWriter::finished, this, [] {
+    const auto writerRefused = [this](const QString &message) { m_calls.setTrouble(message); };
+    connect(m_writer, &CardWriter::failed, this, writerRefused);
+    connect(m_writer, &CardWriter::refused, this, writerRefused);
+    connect(m_writer, &CardWriter::finished, this, [this] {
         // The server may have changed the learner's settings while writing (a first card, a
         // quota); background bookkeeping, so a failure shows nothing.
-        if (AppState *state = AppState::instance())
-            state->adoptPreferences();
+        m_services.state().adoptPreferences();
     });
     connect(m_progress, &WritingSheet::hidden, this, &Composer::hideWriting);
 }
 
-Composer::~Composer()
-{
-    *m_alive = false;
-}
+Composer::~Composer() = default;
 
 void Composer::setDeckId(int deckId)
 {
@@ -88,7 +102,7 @@ bool Composer::adding() const
 
 QString Composer::askingText() const
 {
-    return m_asking ? writingtexts::askingFor(m_topicAsked) : QString();
+    return asking() ? writingtexts::askingFor(m_topicAsked) : QString();
 }
 
 QString Composer::placeholder() const
@@ -112,7 +126,7 @@ void Composer::add()
     if (text.isEmpty() || adding() || m_deckId <= 0)
         return;
     setInput(QString());
-    setRefused(QString());
+    m_calls.setTrouble({});
     m_writingShown = true;
     m_writer->start(m_deckId, text);
 }
@@ -154,28 +168,23 @@ void Composer::askForByte()
 QCoro::Task<> Composer::askForByteTask()
 {
     const QString topic = trimSpacesAndTabs(m_input);
-    if (topic.isEmpty() || m_asking || m_deckId <= 0)
+    if (topic.isEmpty() || asking() || m_deckId <= 0)
         co_return;
-    const std::shared_ptr<bool> alive = m_alive;
     const int deckId = m_deckId;
     const QString language = m_language;
-    setRefused(QString());
-    setAsking(true, topic);
-    try {
-        Byte byte = co_await m_api.byte(deckId, topic);
-        if (!*alive)
-            co_return;
-        QList<NoteSummary> notes = co_await m_api.notes(deckId);
-        if (!*alive)
-            co_return;
-        m_deckNotes = notes;
-        APIClient *api = &m_api;
-        ByteSheet::Keep keep = [api, deckId, byte](QList<Kept> kept, bool context,
-                                                   std::optional<int> into) {
+    m_topicAsked = topic;
+    auto offer = co_await m_calls.run(lessonOffer(m_services.api(), deckId, topic));
+    if (!offer)
+        co_return;
+    {
+        m_deckNotes = offer->notes;
+        APIClient *api = &m_services.api();
+        ByteSheet::Keep keep = [api, deckId, byte = offer->byte](QList<Kept> kept, bool context,
+                                                                 std::optional<int> into) {
             return api->keepByte(deckId, byte, std::move(kept), context, into);
         };
-        auto *sheet =
-            new ByteSheet(std::move(byte), language, std::move(notes), std::move(keep), this);
+        auto *sheet = new ByteSheet(std::move(offer->byte), language, std::move(offer->notes),
+                                    std::move(keep), this);
         connect(sheet, &ByteSheet::landed, this, [this](const Landed &landed) {
             if (landed.cards.isEmpty())
                 return;
@@ -188,12 +197,7 @@ QCoro::Task<> Composer::askForByteTask()
             sheet->deleteLater();
         });
         setOffer(sheet);
-    } catch (const ServerError &error) {
-        if (!*alive)
-            co_return;
-        setRefused(error.message());
     }
-    setAsking(false, m_topicAsked);
 }
 
 void Composer::closeOffer()
@@ -202,29 +206,12 @@ void Composer::closeOffer()
         m_offer->dismiss();
 }
 
-void Composer::setRefused(const QString &refused)
-{
-    if (m_refused == refused)
-        return;
-    m_refused = refused;
-    emit refusedChanged();
-}
-
 void Composer::setNarration(const QString &narration)
 {
     if (m_narration == narration)
         return;
     m_narration = narration;
     emit narrationChanged();
-}
-
-void Composer::setAsking(bool asking, const QString &topic)
-{
-    if (m_asking == asking && m_topicAsked == topic)
-        return;
-    m_asking = asking;
-    m_topicAsked = topic;
-    emit askingChanged();
 }
 
 void Composer::setOffer(ByteSheet *offer)

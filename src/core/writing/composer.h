@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "library/cardlist.h"
 #include "records/byte.h"
 #include "records/card.h"
@@ -19,6 +20,7 @@
 namespace orvel {
 
 class APIClient;
+class Services;
 class CardWriter;
 
 // The input line at the head of an open deck's card list. Return writes a card from the typed
@@ -50,7 +52,6 @@ class Composer : public QObject {
 public:
     // On the shared client (QML); tests give their own.
     explicit Composer(QObject *parent = nullptr);
-    explicit Composer(APIClient &api, QObject *parent = nullptr);
     ~Composer() override;
 
     int deckId() const { return m_deckId; }
@@ -72,8 +73,8 @@ public:
     bool showsWriting() const { return m_writing.has_value() && m_writingShown; }
     WritingSheet *progress() const { return m_progress; }
     QString narration() const { return m_narration; }
-    QString refused() const { return m_refused; }
-    bool asking() const { return m_asking; }
+    QString refused() const { return m_calls.trouble(); }
+    bool asking() const { return m_calls.working(); }
     QString topicAsked() const { return m_topicAsked; }
     // "Writing a byte on “topic”" while a lesson is asked for, else empty.
     QString askingText() const;
@@ -114,14 +115,12 @@ signals:
 
 private:
     Writing writingOrEmpty() const { return m_writing.value_or(Writing{}); }
-    void setRefused(const QString &refused);
     void setNarration(const QString &narration);
-    void setAsking(bool asking, const QString &topic);
     void setOffer(ByteSheet *offer);
     void takeWriting();
     void putFirst(const QList<Card> &cards);
 
-    APIClient &m_api;
+    Services &m_services;
     CardWriter *m_writer = nullptr;
     WritingSheet *m_progress = nullptr;
     int m_deckId = 0;
@@ -131,12 +130,12 @@ private:
     std::optional<Writing> m_writing;
     bool m_writingShown = false;
     QString m_narration;
-    QString m_refused;
-    bool m_asking = false;
     QString m_topicAsked;
     QPointer<ByteSheet> m_offer;
     QList<NoteSummary> m_deckNotes;
-    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    // Asking for a short lesson is this screen's call; its failure reads as `refused`, like a
+    // card the writer refused.
+    ServerCalls m_calls{this, &Composer::askingChanged, &Composer::refusedChanged};
 };
 
 } // namespace orvel

@@ -1,7 +1,9 @@
 #include "writing/quickaddsheet.h"
 
 #include "app/appstate.h"
+#include "app/services.h"
 #include "library/learnerinput.h"
+#include "library/shelflisting.h"
 #include "server/apiclient.h"
 #include "writing/cardwriter.h"
 #include "writing/writingtexts.h"
@@ -22,10 +24,8 @@ QVariantMap choice(int id, const QString &name, bool section, bool indent)
 
 } // namespace
 
-QuickAddSheet::QuickAddSheet(QObject *parent) : QuickAddSheet(APIClient::shared(), parent) {}
-
-QuickAddSheet::QuickAddSheet(APIClient &api, QObject *parent)
-    : QObject(parent), m_api(api), m_writer(new CardWriter(api, this))
+QuickAddSheet::QuickAddSheet(QObject *parent)
+    : QObject(parent), m_services(Services::current()), m_writer(new CardWriter(this))
 {
     connect(m_writer, &CardWriter::busyChanged, this, [this] {
         emit workingChanged();
@@ -39,18 +39,14 @@ QuickAddSheet::QuickAddSheet(APIClient &api, QObject *parent)
         emit added(m_writingInto, card);
         emit closed();
     });
-    connect(m_writer, &CardWriter::failed, this, &QuickAddSheet::setTrouble);
-    connect(m_writer, &CardWriter::refused, this, &QuickAddSheet::setTrouble);
-    connect(m_writer, &CardWriter::finished, this, [] {
-        if (AppState *state = AppState::instance())
-            state->adoptPreferences();
-    });
+    const auto writerTrouble = [this](const QString &message) { m_calls.setTrouble(message); };
+    connect(m_writer, &CardWriter::failed, this, writerTrouble);
+    connect(m_writer, &CardWriter::refused, this, writerTrouble);
+    connect(m_writer, &CardWriter::finished, this,
+            [this] { m_services.state().adoptPreferences(); });
 }
 
-QuickAddSheet::~QuickAddSheet()
-{
-    *m_alive = false;
-}
+QuickAddSheet::~QuickAddSheet() = default;
 
 void QuickAddSheet::setText(const QString &text)
 {
@@ -73,24 +69,11 @@ void QuickAddSheet::setDecks(const QList<DeckSummary> &decks, const QList<Folder
 
 QCoro::Task<> QuickAddSheet::load()
 {
-    if (m_loading)
+    if (loading())
         co_return;
-    const std::shared_ptr<bool> alive = m_alive;
-    setLoading(true);
-    try {
-        const QList<DeckSummary> decks = co_await m_api.decks();
-        if (!*alive)
-            co_return;
-        const QList<Folder> folders = co_await m_api.folders();
-        if (!*alive)
-            co_return;
-        setDecks(decks, folders);
-    } catch (const ServerError &error) {
-        if (!*alive)
-            co_return;
-        setTrouble(error.message());
-    }
-    setLoading(false);
+    const auto listing = co_await m_calls.run(ShelfListing::fetch(m_services.api()));
+    if (listing)
+        setDecks(listing->decks, listing->folders);
 }
 
 void QuickAddSheet::reload()
@@ -193,29 +176,13 @@ void QuickAddSheet::add()
         if (deck.id == *m_deckId)
             m_writingInto = deck;
     }
-    setTrouble(QString());
+    m_calls.setTrouble({});
     m_writer->start(m_writingInto.id, word);
 }
 
 void QuickAddSheet::cancel()
 {
     emit closed();
-}
-
-void QuickAddSheet::setTrouble(const QString &trouble)
-{
-    if (m_trouble == trouble)
-        return;
-    m_trouble = trouble;
-    emit troubleChanged();
-}
-
-void QuickAddSheet::setLoading(bool loading)
-{
-    if (m_loading == loading)
-        return;
-    m_loading = loading;
-    emit loadingChanged();
 }
 
 } // namespace orvel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/servercalls.h"
 #include "records/card.h"
 #include "records/decksummary.h"
 #include "records/folder.h"
@@ -15,6 +16,7 @@
 namespace orvel {
 
 class APIClient;
+class Services;
 class CardWriter;
 
 // "Add to a deck": writes one card into a deck the learner picks, from anywhere in the app (the
@@ -40,7 +42,6 @@ class QuickAddSheet : public QObject {
 public:
     // On the shared client (QML); tests give their own.
     explicit QuickAddSheet(QObject *parent = nullptr);
-    explicit QuickAddSheet(APIClient &api, QObject *parent = nullptr);
     ~QuickAddSheet() override;
 
     QString text() const { return m_text; }
@@ -67,10 +68,10 @@ public:
     // The entry of deckChoices that holds the chosen deck ("Pick one" when none).
     int chosenIndex() const;
 
-    bool loading() const { return m_loading; }
+    bool loading() const { return m_calls.working(); }
     bool working() const;
     QString narration() const { return m_narration; }
-    QString trouble() const { return m_trouble; }
+    QString trouble() const { return m_calls.trouble(); }
     // A deck is chosen, there is a word, and no card is being written.
     bool canWrite() const;
 
@@ -99,21 +100,16 @@ signals:
     void closed();
 
 private:
-    void setTrouble(const QString &trouble);
-    void setLoading(bool loading);
-
-    APIClient &m_api;
+    Services &m_services;
     CardWriter *m_writer = nullptr;
     QString m_text;
     QList<DeckSummary> m_decks;
     QList<Folder> m_folders;
     std::optional<int> m_deckId;
-    bool m_loading = false;
     QString m_narration;
-    QString m_trouble;
     // The deck the card on its way goes to.
     DeckSummary m_writingInto;
-    std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
+    ServerCalls m_calls{this, &QuickAddSheet::loadingChanged, &QuickAddSheet::troubleChanged};
 };
 
 } // namespace orvel

@@ -6,6 +6,7 @@
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "testservices.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -20,6 +21,7 @@ class TestAccountPane : public QObject {
     QTemporaryDir m_dir;
     ScriptedServer *m_server = nullptr;
     APIClient *m_api = nullptr;
+    testsupport::TestServices *m_services = nullptr;
     AppState *m_state = nullptr;
 
     static void fill(AccountPane &pane, const QString &current, const QString &replacement,
@@ -36,19 +38,20 @@ private slots:
         LocalSettings::useFile(m_dir.filePath("orvel.conf"));
         m_server = new ScriptedServer;
         m_api = new APIClient(m_server->baseUrl(), m_dir.filePath("cookies"), QString());
-        m_state = new AppState(*m_api);
+        m_services = new testsupport::TestServices(*m_api);
+        m_state = &m_services->state();
     }
 
     void cleanup()
     {
-        delete m_state;
+        delete m_services;
         delete m_api;
         delete m_server;
     }
 
     void checkedBeforeSending()
     {
-        AccountPane pane(*m_state);
+        AccountPane pane;
         fill(pane, "old secret", "", "");
         await(pane.changingPassword());
         QCOMPARE(pane.trouble(), "Enter your current password and the new one twice.");
@@ -71,7 +74,7 @@ private slots:
     void acceptedPasswordClearsEveryField()
     {
         m_server->reply("POST", "/api/settings/password", 200, R"({"ok":true})");
-        AccountPane pane(*m_state);
+        AccountPane pane;
         const QString eight = QStringLiteral("passwö\u0308rd"); // eight as seen
         fill(pane, "old secret", eight, eight);
         await(pane.changingPassword());
@@ -97,7 +100,7 @@ private slots:
     {
         m_server->reply("POST", "/api/settings/password", 403,
                         R"({"error":"The current password is not right."})");
-        AccountPane pane(*m_state);
+        AccountPane pane;
         fill(pane, "wrong", "new secret", "new secret");
         await(pane.changingPassword());
 

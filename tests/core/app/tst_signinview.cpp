@@ -5,6 +5,7 @@
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "testservices.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -33,6 +34,7 @@ class TestSignInView : public QObject {
     QTemporaryDir m_dir;
     ScriptedServer *m_server = nullptr;
     APIClient *m_api = nullptr;
+    testsupport::TestServices *m_services = nullptr;
     AppState *m_state = nullptr;
     QList<QUrl> m_opened;
     bool m_browserWorks = true;
@@ -43,7 +45,8 @@ private slots:
         LocalSettings::useFile(m_dir.filePath("orvel.conf"));
         m_server = new ScriptedServer;
         m_api = new APIClient(m_server->baseUrl(), m_dir.filePath("cookies"), QString());
-        m_state = new AppState(*m_api);
+        m_services = new testsupport::TestServices(*m_api);
+        m_state = &m_services->state();
         m_opened.clear();
         m_browserWorks = true;
         Browser::setOpener([this](const QUrl &url) {
@@ -54,14 +57,14 @@ private slots:
 
     void cleanup()
     {
-        delete m_state;
+        delete m_services;
         delete m_api;
         delete m_server;
     }
 
     void emptyFieldsAreRefusedWithoutAsking()
     {
-        SignInView view(*m_state);
+        SignInView view;
         QSignalSpy focus(&view, &SignInView::focusChanged);
         view.setPassword("secret");
         await(view.submitting());
@@ -80,7 +83,7 @@ private slots:
     void shortPasswordsAreRefusedOnlyWhenMakingAnAccount()
     {
         m_server->reply("POST", "/api/auth/login", 401, R"({"error":"Wrong email or password."})");
-        SignInView view(*m_state);
+        SignInView view;
         view.setEmail("ana@example.org");
         view.showSignUp();
         QCOMPARE(view.mode(), SignInView::Mode::SignUp);
@@ -108,7 +111,7 @@ private slots:
     void makingAnAccountLeadsToTheInbox()
     {
         m_server->reply("POST", "/api/auth/signup", 200, "{}");
-        SignInView view(*m_state);
+        SignInView view;
         view.showSignUp();
         view.setName(" Ana ");
         view.setEmail("ana@example.org");
@@ -145,7 +148,7 @@ private slots:
     {
         m_server->reply("POST", "/api/auth/login", 200, ana);
         m_server->reply("GET", "/api/settings", 200, prefs);
-        SignInView view(*m_state);
+        SignInView view;
         view.setEmail("ana@example.org");
         view.setPassword("pw");
         QStringList seen;
@@ -167,7 +170,7 @@ private slots:
         m_server->reply("POST", "/api/auth/login", 403,
                         R"({"error":"Confirm your address first."})");
         m_server->reply("POST", "/api/auth/resend", 200, "{}");
-        SignInView view(*m_state);
+        SignInView view;
         view.setEmail("ana@example.org");
         view.setPassword("pw");
         await(view.submitting());
@@ -190,7 +193,7 @@ private slots:
 
     void resendingNeedsAnEmailAndShowsFailures()
     {
-        SignInView view(*m_state);
+        SignInView view;
         await(view.resending());
         QCOMPARE(view.trouble(), QStringLiteral("Enter your email first."));
         QCOMPARE(view.focus(), SignInView::Field::Email);
@@ -206,7 +209,7 @@ private slots:
 
     void forgotOpensTheResetPage()
     {
-        SignInView view(*m_state);
+        SignInView view;
         view.forgot();
         QCOMPARE(m_opened.size(), 1);
         QCOMPARE(m_opened[0].path(), QStringLiteral("/app"));
@@ -225,7 +228,7 @@ private slots:
 
     void optionsDecideWhatIsOffered()
     {
-        SignInView view(*m_state);
+        SignInView view;
         QVERIFY(!view.offersGoogle() && !view.offersApple() && !view.offersSignUp());
         m_server->reply("GET", "/api/auth/options", 200,
                         R"({"google":true,"apple":false,"signup":true})");
@@ -239,7 +242,7 @@ private slots:
     {
         m_server->reply("POST", "/api/auth/exchange", 200, ana);
         m_server->reply("GET", "/api/settings", 200, prefs);
-        SignInView view(*m_state);
+        SignInView view;
         bool done = false;
         auto run = [&]() -> QCoro::Task<> {
             co_await view.continuingWith("google");
@@ -281,7 +284,7 @@ private slots:
         QFETCH(bool, browserWorks);
         QFETCH(QString, trouble);
         m_browserWorks = browserWorks;
-        SignInView view(*m_state);
+        SignInView view;
         bool done = false;
         auto run = [&]() -> QCoro::Task<> {
             co_await view.continuingWith("apple");
@@ -303,7 +306,7 @@ private slots:
     void aRefusedExchangeShowsTheServersWords()
     {
         m_server->reply("POST", "/api/auth/exchange", 400, R"({"error":"That code was used."})");
-        SignInView view(*m_state);
+        SignInView view;
         bool done = false;
         auto run = [&]() -> QCoro::Task<> {
             co_await view.continuingWith("google");

@@ -8,6 +8,7 @@
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "testservices.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -44,6 +45,7 @@ class TestCardList : public QObject {
     QTemporaryDir m_dir;
     std::unique_ptr<ScriptedServer> m_server;
     std::unique_ptr<APIClient> m_api;
+    std::unique_ptr<testsupport::TestServices> m_services;
     std::unique_ptr<HomeView> m_home;
     std::unique_ptr<QAbstractItemModelTester> m_tester;
 
@@ -84,7 +86,8 @@ private slots:
         Timings::shared() = Timings{}.scaled(0.02); // the card undo: 140 ms
         m_server = std::make_unique<ScriptedServer>();
         m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());
-        m_home = std::make_unique<HomeView>(*m_api);
+        m_services = std::make_unique<testsupport::TestServices>(*m_api);
+        m_home = std::make_unique<HomeView>();
         m_tester = std::make_unique<QAbstractItemModelTester>(
             m_home->cards(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         scriptDecks();
@@ -95,6 +98,7 @@ private slots:
     {
         m_tester.reset();
         m_home.reset();
+        m_services.reset();
         m_api.reset();
         m_server.reset();
         Timings::shared() = Timings{};

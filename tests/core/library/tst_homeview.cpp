@@ -11,6 +11,7 @@
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "testservices.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
@@ -38,6 +39,7 @@ class TestHomeView : public QObject {
     QTemporaryDir m_dir;
     std::unique_ptr<ScriptedServer> m_server;
     std::unique_ptr<APIClient> m_api;
+    std::unique_ptr<testsupport::TestServices> m_services;
 
     // Two loose decks (1, 2), a deck in folder 10 (3), a deck in folder 20 (4), and deck 5 in a
     // folder the listing does not have.
@@ -54,7 +56,7 @@ class TestHomeView : public QObject {
     std::unique_ptr<HomeView> loadedHome()
     {
         scriptShelf();
-        auto home = std::make_unique<HomeView>(*m_api);
+        auto home = std::make_unique<HomeView>();
         await(home->load());
         return home;
     }
@@ -68,10 +70,12 @@ private slots:
             m_dir.filePath(QString("settings-%1.conf").arg(QTest::currentTestFunction())));
         m_server = std::make_unique<ScriptedServer>();
         m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());
+        m_services = std::make_unique<testsupport::TestServices>(*m_api);
     }
 
     void cleanup()
     {
+        m_services.reset();
         m_api.reset();
         m_server.reset();
     }
@@ -79,7 +83,7 @@ private slots:
     void loadsTheShelfInSidebarOrder()
     {
         scriptShelf();
-        HomeView home(*m_api);
+        HomeView home;
         QAbstractItemModelTester tester(home.sidebar(),
                                         QAbstractItemModelTester::FailureReportingMode::QtTest);
         QVERIFY(!home.loaded());
@@ -109,7 +113,7 @@ private slots:
     {
         m_server->reply("GET", "/api/decks", 200, "[]");
         m_server->reply("GET", "/api/folders", 200, "[]");
-        HomeView home(*m_api);
+        HomeView home;
         await(home.load());
         QVERIFY(home.shelfEmpty());
         QVERIFY(!home.hasDecks());
@@ -200,7 +204,7 @@ private slots:
         m_server->reply(
             "GET", "/api/folders", 200,
             bytes(QJsonArray{folder(10, "Untitled Folder"), folder(20, "untitled folder 2")}));
-        HomeView home(*m_api);
+        HomeView home;
         await(home.load());
         m_server->reply("POST", "/api/folders", 200, bytes(folder(30, "untitled folder 3")));
         m_server->reply("PATCH", "/api/decks/1", 200, bytes(summary(1, "Deutsch", 30)));
@@ -239,7 +243,7 @@ private slots:
             bytes(QJsonArray{summary(1, "A", 10), summary(2, "B", 10), summary(3, "C")}));
         m_server->reply("GET", "/api/folders", 200,
                         bytes(QJsonArray{folder(10, "Travel", 2), folder(20, "Empty")}));
-        HomeView home(*m_api);
+        HomeView home;
         await(home.load());
         home.setOpen(10, false);
         QCOMPARE(home.folderDeleteQuestion(10), QStringLiteral("Delete the folder “Travel”?"));
@@ -321,7 +325,7 @@ private slots:
         m_server->reply("GET", "/api/languages", 200,
                         R"([{"code":"de","name":"German","endonym":"Deutsch"},
                             {"code":"en","name":"English","endonym":"English"}])");
-        NewDeckSheet sheet(*m_api);
+        NewDeckSheet sheet;
         sheet.setHome(home.get());
         QCOMPARE(sheet.startText(), QStringLiteral("Start deck"));
         await(sheet.loadLanguages());
@@ -358,7 +362,7 @@ private slots:
         QCOMPARE(sheet.trouble(), QStringLiteral("Pick a language."));
         QCOMPARE(sheet.startText(), QStringLiteral("Start deck"));
 
-        RenameDeckSheet rename(*m_api);
+        RenameDeckSheet rename;
         rename.setHome(home.get());
         rename.setDeckId(2);
         QCOMPARE(rename.name(), QStringLiteral("Español"));

@@ -5,6 +5,7 @@
 #include "sound/audiooutput.h"
 #include "sound/speech.h"
 #include "study/studyview.h"
+#include "testservices.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -63,7 +64,8 @@ class TestStudyView : public QObject {
     std::unique_ptr<ScriptedServer> m_server;
     std::unique_ptr<APIClient> m_api;
     RecordingOutput m_output;
-    std::unique_ptr<Speech> m_speech;
+    std::unique_ptr<testsupport::TestServices> m_services;
+    Speech *m_speech = nullptr;
     std::unique_ptr<StudyView> m_view;
 
     void answerReviews(const QList<Card> &cards)
@@ -83,13 +85,14 @@ private slots:
         m_server->reply("GET", "/api/audio", 200, "ID3 clip", "audio/mpeg");
         m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());
         m_output = {};
-        m_speech = std::make_unique<Speech>(*m_api, m_output, m_dir.path());
-        m_view = std::make_unique<StudyView>(*m_api, *m_speech);
+        m_services = std::make_unique<testsupport::TestServices>(*m_api, &m_output, m_dir.path());
+        m_speech = &m_services->speech();
+        m_view = std::make_unique<StudyView>();
     }
     void cleanup()
     {
         m_view.reset();
-        m_speech.reset();
+        m_services.reset();
         m_api.reset();
         m_server.reset();
     }

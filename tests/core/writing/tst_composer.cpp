@@ -4,6 +4,7 @@
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "testservices.h"
 #include "writing/bytesheet.h"
 #include "writing/composer.h"
 #include "writing/writingsheet.h"
@@ -81,7 +82,8 @@ private slots:
              {data(R"({"type":"progress","field":"usage_notes","value":"common"})"), 20},
              {data(R"({"type":"card","card":)" + cardJson(5, "Hund") + "}"), 20}});
         auto api = client(server);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
 
         // What the view model shows, row by row, as each change arrives.
@@ -139,7 +141,8 @@ private slots:
                       {{data(R"({"type":"progress","field":"translation","value":"dog"})"), 10},
                        {data(R"({"error":"No such word in German.","type":"error"})"), 20}});
         auto api = client(server);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
         composer.setInput(QStringLiteral("Hnud"));
         composer.add();
@@ -191,7 +194,8 @@ private slots:
                          status == 404 ? R"({"error":"No such deck."})" : "");
         }
         auto api = client(server);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
         QSignalSpy written(&composer, &Composer::cardWritten);
         composer.setInput(QStringLiteral("Hund"));
@@ -213,7 +217,8 @@ private slots:
                       {{data(R"({"type":"progress","field":"term","value":"x"})"), 80},
                        {data(R"({"type":"card","card":)" + cardJson(7, "x") + "}"), 10}});
         auto api = client(server);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
 
         composer.setInput(QStringLiteral(" \t  "));
@@ -229,9 +234,11 @@ private slots:
         composer.add(); // Return again while the first card is on its way
         QCOMPARE(composer.input(), QStringLiteral("Katze"));
         QVERIFY(settle(composer));
-        QTest::qWait(50);
-        QCOMPARE(server.requestCount(), 1);
-        QCOMPARE(bodyOf(server.lastRequest()), (QJsonObject{{"input", "guten\nTag"}}));
+        // The learner's settings are read again once the writing ends: everything the composer
+        // sends has been sent by then.
+        QVERIFY(QTest::qWaitFor([&] { return countOf(server, "GET", "/api/settings") == 1; }));
+        QCOMPARE(countOf(server, "POST", "/api/decks/12/cards"), 1);
+        QCOMPARE(bodyOf(server.requests().first()), (QJsonObject{{"input", "guten\nTag"}}));
     }
 
     void twoCardsInARowGoToTheFrontOfTheDecksList()
@@ -242,9 +249,10 @@ private slots:
                          "native_language":"en","created_at":"a","cards":[)" +
                          cardJson(1, "Haus") + "]}");
         auto api = client(server);
-        CardList list(*api);
+        testsupport::TestServices services(*api);
+        CardList list;
         testsupport::await(list.load(12));
-        Composer composer(*api);
+        Composer composer;
         composer.setDeckId(12);
         composer.setCards(&list);
         for (const auto &[id, term] : {std::pair{5, QByteArray("Hund")}, {6, "Katze"}}) {
@@ -269,16 +277,14 @@ private slots:
         server.stream("POST", "/api/decks/12/cards",
                       {{data(R"({"type":"progress","field":"term","value":"x"})"), 30}});
         auto api = client(server);
-        AppState state(*api);
-        AppState::setInstance(&state);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
         composer.setInput(QStringLiteral("Hund"));
         composer.add();
         QCOMPARE(countOf(server, "GET", "/api/settings"), 0);
         QVERIFY(settle(composer));
         QVERIFY(QTest::qWaitFor([&] { return countOf(server, "GET", "/api/settings") == 1; }));
-        AppState::setInstance(nullptr);
     }
 
     void closingTheViewLeavesTheWritingGoing()
@@ -288,7 +294,8 @@ private slots:
                       {{data(R"({"type":"progress","field":"term","value":"x"})"), 40},
                        {data(R"({"type":"card","card":)" + cardJson(8, "x") + "}"), 40}});
         auto api = client(server);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
         QSignalSpy written(&composer, &Composer::cardWritten);
         composer.setInput(QStringLiteral("x"));
@@ -313,7 +320,8 @@ private slots:
                      R"([{"id":3,"title":"","created_at":"a","updated_at":"b","line_count":1,
                           "pending_count":0}])");
         auto api = client(server);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
         composer.setLanguage(QStringLiteral("de"));
         QStringList asking;
@@ -361,7 +369,8 @@ private slots:
         server.reply("POST", "/api/decks/12/byte", 503,
                      R"({"error":"A short lesson needs a language model."})");
         auto api = client(server);
-        Composer composer(*api);
+        testsupport::TestServices services(*api);
+        Composer composer;
         composer.setDeckId(12);
         composer.setInput(QStringLiteral("the dative"));
         testsupport::await(composer.askForByteTask());

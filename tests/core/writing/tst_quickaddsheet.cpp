@@ -1,6 +1,7 @@
 #include "awaittask.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
+#include "testservices.h"
 #include "writing/quickaddsheet.h"
 
 #include <QJsonDocument>
@@ -71,7 +72,8 @@ private slots:
         ScriptedServer server;
         scriptLibrary(server);
         auto api = client(server);
-        QuickAddSheet sheet(*api);
+        testsupport::TestServices services(*api);
+        QuickAddSheet sheet;
         QCOMPARE(sheet.title(), QStringLiteral("Add to a deck"));
         QCOMPARE(sheet.deckLabel(), QStringLiteral("Deck"));
         QCOMPARE(sheet.writeLabel(), QStringLiteral("Write the card"));
@@ -92,7 +94,8 @@ private slots:
         ScriptedServer server;
         scriptLibrary(server);
         auto api = client(server);
-        QuickAddSheet sheet(*api);
+        testsupport::TestServices services(*api);
+        QuickAddSheet sheet;
         testsupport::await(sheet.load());
         const int before = server.requestCount();
         sheet.setText(QStringLiteral("Hund"));
@@ -115,7 +118,8 @@ private slots:
                       {{data(R"({"type":"progress","field":"translation","value":"dog"})"), 20},
                        {data(R"({"type":"card","card":)" + cardJson + "}"), 20}});
         auto api = client(server);
-        QuickAddSheet sheet(*api);
+        testsupport::TestServices services(*api);
+        QuickAddSheet sheet;
         testsupport::await(sheet.load());
         QSignalSpy added(&sheet, &QuickAddSheet::added);
         QSignalSpy closed(&sheet, &QuickAddSheet::closed);
@@ -157,7 +161,8 @@ private slots:
             server.stream("POST", "/api/decks/2/cards",
                           {{data(R"({"type":"error","error":"No such word in German."})"), 20}});
         auto api = client(server);
-        QuickAddSheet sheet(*api);
+        testsupport::TestServices services(*api);
+        QuickAddSheet sheet;
         testsupport::await(sheet.load());
         QSignalSpy closed(&sheet, &QuickAddSheet::closed);
         sheet.setText(QStringLiteral("Hnud"));
@@ -176,7 +181,8 @@ private slots:
         ScriptedServer server;
         server.reply("GET", "/api/decks", 401, "");
         auto api = client(server);
-        QuickAddSheet sheet(*api);
+        testsupport::TestServices services(*api);
+        QuickAddSheet sheet;
         testsupport::await(sheet.load());
         QCOMPARE(sheet.trouble(), QStringLiteral("You are signed out."));
         QVERIFY(!sheet.loading());

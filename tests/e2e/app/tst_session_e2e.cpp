@@ -9,6 +9,7 @@
 #include "server/apiclient.h"
 #include "server/localsettings.h"
 #include "serverprocess.h"
+#include "testservices.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -39,11 +40,12 @@ private slots:
         QVERIFY2(server.start(), qPrintable(server.errorText()));
         {
             APIClient api(server.baseUrl(), cookies(), QString());
-            AppState state(api);
+            testsupport::TestServices services(api);
+            AppState &state = services.state();
             await(state.restore());
             QCOMPARE(state.auth(), AppState::Auth::SignedOut);
 
-            SignInView view(state);
+            SignInView view;
             await(view.loadingOptions());
             QVERIFY(view.offersSignUp());
             view.showSignUp();
@@ -95,8 +97,8 @@ private slots:
         ServerProcess server; // not --local: addresses wait for their link
         QVERIFY2(server.start(), qPrintable(server.errorText()));
         APIClient api(server.baseUrl(), m_dir.filePath("cookies-unconfirmed"), QString());
-        AppState state(api);
-        SignInView view(state);
+        testsupport::TestServices services(api);
+        SignInView view;
         view.showSignUp();
         view.setName("Bo");
         view.setEmail("bo@example.org");
@@ -118,8 +120,9 @@ private slots:
         ServerProcess server({"--local", "--test-providers"});
         QVERIFY2(server.start(), qPrintable(server.errorText()));
         APIClient api(server.baseUrl(), m_dir.filePath("cookies-provider"), QString());
-        AppState state(api);
-        SignInView view(state);
+        testsupport::TestServices services(api);
+        AppState &state = services.state();
+        SignInView view;
         await(view.loadingOptions());
         QVERIFY(view.offersGoogle());
         QVERIFY(view.offersApple());
@@ -129,8 +132,8 @@ private slots:
             QStringLiteral("orvel-e2e-") + QUuid::createUuid().toString(QUuid::Id128);
         InstanceChannel channel(channelName);
         QVERIFY(channel.listen());
-        ServiceProvider services(AppCommands::shared());
-        LaunchHandler launches(services);
+        ServiceProvider provider(AppCommands::shared());
+        LaunchHandler launches(provider);
         connect(&channel, &InstanceChannel::received, &launches, &LaunchHandler::handleArguments);
 
         // The "browser": follows the start address to the server's redirect, then does what the
@@ -173,8 +176,8 @@ private slots:
 
         // The provider refusing: the message is what came back.
         APIClient api2(server.baseUrl(), m_dir.filePath("cookies-provider-2"), QString());
-        AppState refused(api2);
-        SignInView view2(refused);
+        testsupport::TestServices refusedServices(api2);
+        SignInView view2;
         Browser::setOpener([&](const QUrl &start) {
             QUrl failing = start;
             failing.setQuery(start.query() + "&fail=access_denied");
@@ -196,7 +199,7 @@ private slots:
         refuse();
         QTRY_VERIFY_WITH_TIMEOUT(done, 15000);
         QCOMPARE(view2.trouble(), QStringLiteral("access_denied"));
-        QCOMPARE(refused.auth(), AppState::Auth::Unknown);
+        QCOMPARE(refusedServices.state().auth(), AppState::Auth::Unknown);
     }
 };
 

@@ -8,6 +8,7 @@
 #include "server/apiclient.h"
 #include "server/localsettings.h"
 #include "serverprocess.h"
+#include "testservices.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -43,6 +44,7 @@ class TestLibraryEndToEnd : public QObject {
     QTemporaryDir m_dir;
     ServerProcess m_server{{QStringLiteral("--local")}};
     std::unique_ptr<APIClient> m_api;
+    std::unique_ptr<testsupport::TestServices> m_services;
 
 private slots:
     void initTestCase()
@@ -51,20 +53,25 @@ private slots:
         LocalSettings::useFile(m_dir.filePath("orvel.conf"));
         QVERIFY2(m_server.start(), qPrintable(m_server.errorText()));
         m_api = std::make_unique<APIClient>(m_server.baseUrl(), m_dir.filePath("jar"), QString());
+        m_services = std::make_unique<testsupport::TestServices>(*m_api);
         await(m_api->signUp("ana@example.org", "correct horse", "Ana"));
         await(m_api->signIn("ana@example.org", "correct horse"));
     }
 
-    void cleanupTestCase() { m_api.reset(); }
+    void cleanupTestCase()
+    {
+        m_services.reset();
+        m_api.reset();
+    }
 
     void theShelf()
     {
-        HomeView home(*m_api);
+        HomeView home;
         await(home.load());
         QVERIFY(home.trouble().isEmpty());
         QVERIFY(home.shelfEmpty());
 
-        NewDeckSheet sheet(*m_api);
+        NewDeckSheet sheet;
         sheet.setHome(&home);
         await(sheet.loadLanguages());
         QVERIFY(sheet.languageChoices().size() > 2);
@@ -93,7 +100,7 @@ private slots:
         home.setOpen(travel->id, false);
 
         // What the server now says matches what the shelf shows.
-        HomeView fresh(*m_api);
+        HomeView fresh;
         await(fresh.load());
         const QString e = QString::number(evening->id), t = QString::number(travel->id);
         const QStringList expected = {"decks",
@@ -114,7 +121,7 @@ private slots:
         QVERIFY(await(fresh.move({decks[1]}, std::nullopt)));
         await(fresh.deleteFolder(evening->id));
         QVERIFY(fresh.trouble().isEmpty());
-        HomeView after(*m_api);
+        HomeView after;
         await(after.load());
         QCOMPARE(after.folders().size(), 1);
         for (int id : decks)
@@ -122,14 +129,14 @@ private slots:
         QVERIFY(!after.isOpen(travel->id));
 
         await(after.deleteDeck(decks[2]));
-        HomeView last(*m_api);
+        HomeView last;
         await(last.load());
         QCOMPARE(last.decks().size(), 4);
     }
 
     void theCards()
     {
-        HomeView home(*m_api);
+        HomeView home;
         await(home.load());
         const int deckId = home.decks().first().id;
         QList<Card> cards;

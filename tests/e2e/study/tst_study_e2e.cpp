@@ -6,6 +6,7 @@
 #include "sound/audiooutput.h"
 #include "sound/speech.h"
 #include "study/studyview.h"
+#include "testservices.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -69,8 +70,9 @@ private slots:
             await(write(api, deck.id, QString::fromLatin1(word)));
 
         RecordingOutput output;
-        Speech speech(api, output, m_dir.path());
-        StudyView view(api, speech);
+        testsupport::TestServices services(api, &output, m_dir.path());
+        Speech &speech = services.speech();
+        StudyView view;
         QMap<int, Card> handed;
         view.setReviewed([&handed](const Card &card) { handed.insert(card.id, card); });
         view.studyDeck(deck);

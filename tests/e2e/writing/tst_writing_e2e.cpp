@@ -3,6 +3,7 @@
 #include "awaittask.h"
 #include "server/apiclient.h"
 #include "serverprocess.h"
+#include "testservices.h"
 #include "writing/composer.h"
 #include "writing/quickaddsheet.h"
 #include "writing/writingsheet.h"
@@ -19,6 +20,7 @@ class TestWritingEndToEnd : public QObject {
     QTemporaryDir m_dir;
     ServerProcess m_server{{QStringLiteral("--local")}};
     std::unique_ptr<APIClient> m_api;
+    std::unique_ptr<testsupport::TestServices> m_services;
     int m_deck = 0;
 
 private slots:
@@ -27,6 +29,7 @@ private slots:
         QVERIFY(m_dir.isValid());
         QVERIFY2(m_server.start(), qPrintable(m_server.errorText()));
         m_api = std::make_unique<APIClient>(m_server.baseUrl(), m_dir.filePath("jar"), QString());
+        m_services = std::make_unique<testsupport::TestServices>(*m_api);
         await(m_api->signUp(QStringLiteral("lena@example.org"), QStringLiteral("a long password"),
                             QStringLiteral("Lena")));
         await(m_api->signIn(QStringLiteral("lena@example.org"), QStringLiteral("a long password")));
@@ -37,7 +40,7 @@ private slots:
 
     void aTypedWordIsWrittenAndGoesFirst()
     {
-        Composer composer(*m_api);
+        Composer composer;
         composer.setDeckId(m_deck);
         QList<Card> list;
         connect(&composer, &Composer::cardWritten, this,
@@ -77,7 +80,7 @@ private slots:
 
     void aLessonIsRefusedWithTheServersReason()
     {
-        Composer composer(*m_api);
+        Composer composer;
         composer.setDeckId(m_deck);
         composer.setInput(QStringLiteral("asking for the bill"));
         await(composer.askForByteTask());
@@ -88,7 +91,7 @@ private slots:
 
     void quickAddWritesIntoTheChosenDeck()
     {
-        QuickAddSheet sheet(*m_api);
+        QuickAddSheet sheet;
         await(sheet.load());
         QCOMPARE(sheet.deckChoices().size(), 2); // "Pick one" and the deck
         sheet.setDeckId(m_deck);
