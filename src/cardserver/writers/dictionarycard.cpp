@@ -159,7 +159,7 @@ QString DictionaryCard::gloss(int limit) const
 {
     if (m_bestEntry < 0)
         return {};
-    return m_entries[m_bestEntry].senses[m_bestSense].translations.mid(0, limit).join(
+    return m_entries[m_bestEntry].senses[m_bestSense].words().mid(0, limit).join(
         QStringLiteral(", "));
 }
 
@@ -221,7 +221,7 @@ DictionaryCard::write(const CardProgress &progress,
     card[QStringLiteral("gender")] = gender;
     text("gender", gender);
 
-    const QString translation = sense.translations.join(QStringLiteral(", "));
+    const QString translation = sense.words().join(QStringLiteral(", "));
     card[QStringLiteral("translation")] = translation;
     text("translation", translation);
 
@@ -233,7 +233,7 @@ DictionaryCard::write(const CardProgress &progress,
             if (ei == m_bestEntry && si == m_bestSense)
                 continue;
             const DictSense &s = e.senses[si];
-            QString line = s.translations.mid(0, 3).join(QStringLiteral(", "));
+            QString line = s.words().mid(0, 3).join(QStringLiteral(", "));
             if (line == translation)
                 continue;
             if (!s.labels.isEmpty())
