@@ -1,5 +1,8 @@
 #include "dictentry.h"
 
+#include "dictlabels.h"
+
+#include <algorithm>
 #include <QRegularExpression>
 
 namespace cardserver {
@@ -19,11 +22,9 @@ QStringList bracedWords(const QString &text)
     return out;
 }
 
-// Splits a line of translations at commas and semicolons outside brackets, and drops the
-// grammar tags ("<n>") and inline labels ("[Br.]") from each item.
-QStringList splitTranslations(const QString &line)
+// Splits a line of translations at commas and semicolons outside brackets.
+QStringList splitItems(const QString &line)
 {
-    static const QRegularExpression noise(QStringLiteral("<[^>]*>|\\[[^\\]]*\\]"));
     QStringList items;
     QString current;
     int depth = 0;
@@ -40,21 +41,78 @@ QStringList splitTranslations(const QString &line)
         }
     }
     items.append(current);
-    QStringList out;
-    for (QString item : std::as_const(items)) {
-        item = item.remove(noise).simplified();
-        if (!item.isEmpty() && !out.contains(item))
-            out.append(item);
+    return items;
+}
+
+// Whether an item carries a grammar tag or a label, as translations do and notes do not.
+bool looksLikeTranslation(const QString &item)
+{
+    static const QRegularExpression marks(QStringLiteral("<[^>]*>|\\[[^\\]]*\\]"));
+    return marks.match(item).hasMatch();
+}
+
+// "corf <n> [Br.] " → "corf" labelled "Br."; "room <n>rm" → "room" (the abbreviation glued to
+// the tag goes, and so does the item "/ˌɛrˈɛm/" that reads it); "will ([+ v]) <adv>" → "will".
+// Returns an empty text for an item that is no translation.
+DictTranslation parseTranslation(QString item)
+{
+    static const QRegularExpression tag(QStringLiteral("<[^>]*>[^\\s\\[,]*"));
+    static const QRegularExpression government(QStringLiteral("\\(\\[[^\\]]*\\]\\)"));
+    static const QRegularExpression label(QStringLiteral("\\[([^\\]]*)\\]"));
+    static const QRegularExpression reading(QStringLiteral("^/[^/]*/$"));
+    DictTranslation t;
+    item.remove(tag).remove(government);
+    for (auto it = label.globalMatch(item); it.hasNext();) {
+        const QString l = it.next().captured(1).trimmed();
+        if (!l.isEmpty() && !t.labels.contains(l))
+            t.labels.append(l);
     }
-    return out;
+    t.text = item.remove(label).simplified();
+    if (reading.match(t.text).hasMatch())
+        t.text.clear();
+    return t;
+}
+
+void appendTranslations(DictSense &sense, const QStringList &items)
+{
+    for (const QString &item : items) {
+        DictTranslation t = parseTranslation(item);
+        if (t.text.isEmpty())
+            continue;
+        const auto same = [&](const DictTranslation &o) { return o.text == t.text; };
+        if (std::none_of(sense.translations.cbegin(), sense.translations.cend(), same))
+            sense.translations.append(std::move(t));
+    }
+}
+
+// A note line: its note, and the translations that go on after it.
+void addNote(DictSense &sense, const QString &text)
+{
+    const QStringList items = splitItems(text);
+    const bool continues =
+        items.size() > 1 && std::any_of(items.cbegin() + 1, items.cend(), looksLikeTranslation);
+    const QString note = (continues ? items.first() : text).trimmed();
+    if (sense.translations.isEmpty() || note.isEmpty()) {
+        if (!note.isEmpty())
+            sense.notes.append(note);
+    } else if (continues || (sense.translations.size() > 1 && isRegisterNote(note))) {
+        sense.translations.last().notes.append(note);
+    } else {
+        sense.notes.append(note);
+    }
+    if (continues)
+        appendTranslations(sense, items.mid(1));
 }
 
 } // namespace
 
 DictEntry DictEntry::parse(const QString &text)
 {
+    // "Zimmer /tsˈɪmɜ/ (Zi. /tsˈiː/) <neut, n, sg>", "Berg /bˈɛɾk/ ([+ nom]) <masc, n, sg>": an
+    // abbreviation or the case the word governs may stand between the reading and the tags.
     static const QRegularExpression headLine(
-        QStringLiteral("^(.*?)(?:\\s+/([^/]*)/)?(?:\\s+<([^>]*)>)?\\s*$"));
+        QStringLiteral("^(.*?)(?:\\s+/([^/]*)/)?(?:\\s+\\((?:[^()]|\\([^()]*\\))*\\))?"
+                       "(?:\\s+<([^>]*)>)?\\s*$"));
     static const QRegularExpression example(QStringLiteral("^\"(.*)\"\\s+-\\s+(.*)$"));
     static const QRegularExpression numbered(QStringLiteral("^(\\d+)\\.\\s+(.*)$"));
     static const QRegularExpression leadingLabel(QStringLiteral("^\\[([^\\]]*)\\]\\s*"));
@@ -83,7 +141,7 @@ DictEntry DictEntry::parse(const QString &text)
         }
         if (line.startsWith(QLatin1String("Note:"))) {
             if (!afterBlank && !entry.senses.isEmpty())
-                entry.senses.last().notes.append(line.mid(5).trimmed());
+                addNote(entry.senses.last(), line.mid(5));
         } else if (line.startsWith(u'"')) {
             if (entry.senses.isEmpty())
                 continue;
@@ -111,13 +169,28 @@ DictEntry DictEntry::parse(const QString &text)
                 sense.labels.append(m.captured(1).trimmed());
                 rest = rest.mid(m.capturedLength());
             }
-            sense.translations = splitTranslations(rest);
+            appendTranslations(sense, splitItems(rest));
             if (!sense.translations.isEmpty())
                 entry.senses.append(sense);
             afterBlank = false;
         }
     }
     return entry;
+}
+
+bool DictTranslation::plain() const
+{
+    const auto markedLabel = [](const QString &l) { return DictLabel::of(l).marked(); };
+    return std::none_of(labels.cbegin(), labels.cend(), markedLabel) &&
+           std::none_of(notes.cbegin(), notes.cend(), isRegisterNote);
+}
+
+QStringList DictSense::words() const
+{
+    QStringList out;
+    for (const DictTranslation &t : translations)
+        out.append(t.text);
+    return out;
 }
 
 QString DictEntry::partOfSpeech() const

@@ -1,94 +1,122 @@
 #include "dictionarycard.h"
 
+#include "dictlabels.h"
 #include "genderarticle.h"
 #include "germanverbforms.h"
 
 #include <algorithm>
-#include <QHash>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QRegularExpression>
-#include <QSet>
 
 namespace cardserver {
 
 namespace {
 
-const QHash<QString, QString> &labelNames()
+// What a sense's labels cost it: a learner typing a word rarely means its specialist sense,
+// and almost never its dialect, slang or dated one while a plain sense exists. A subject
+// ("zool." on "dog") only breaks ties with an unlabelled sense of as much weight.
+double labelPenalty(const QStringList &labels)
 {
-    static const QHash<QString, QString> names = {
-        {QStringLiteral("Am."), QStringLiteral("American")},
-        {QStringLiteral("Br."), QStringLiteral("British")},
-        {QStringLiteral("coll."), QStringLiteral("Colloquial")},
-        {QStringLiteral("ugs."), QStringLiteral("Colloquial")},
-        {QStringLiteral("fig."), QStringLiteral("Figurative")},
-        {QStringLiteral("übtr."), QStringLiteral("Figurative")},
-        {QStringLiteral("geh."), QStringLiteral("Elevated")},
-        {QStringLiteral("formal"), QStringLiteral("Formal")},
-        {QStringLiteral("slang"), QStringLiteral("Slang")},
-        {QStringLiteral("pej."), QStringLiteral("Pejorative")},
-        {QStringLiteral("humor."), QStringLiteral("Humorous")},
-        {QStringLiteral("dated"), QStringLiteral("Dated")},
-        {QStringLiteral("veraltet"), QStringLiteral("Dated")},
-        {QStringLiteral("archaic"), QStringLiteral("Archaic")},
-        {QStringLiteral("obs."), QStringLiteral("Obsolete")},
-        {QStringLiteral("rare"), QStringLiteral("Rare")},
-        {QStringLiteral("Ös."), QStringLiteral("Austrian")},
-        {QStringLiteral("Schw."), QStringLiteral("Swiss")},
-        {QStringLiteral("Dt."), QStringLiteral("Germany")},
-        {QStringLiteral("Süddt."), QStringLiteral("Southern German")},
-        {QStringLiteral("Norddt."), QStringLiteral("Northern German")},
-        {QStringLiteral("Bayr."), QStringLiteral("Bavarian")},
-        {QStringLiteral("zool."), QStringLiteral("Zoology")},
-        {QStringLiteral("bot."), QStringLiteral("Botany")},
-        {QStringLiteral("ornith."), QStringLiteral("Ornithology")},
-        {QStringLiteral("med."), QStringLiteral("Medicine")},
-        {QStringLiteral("techn."), QStringLiteral("Technology")},
-        {QStringLiteral("chem."), QStringLiteral("Chemistry")},
-        {QStringLiteral("min."), QStringLiteral("Mining")},
-        {QStringLiteral("geogr."), QStringLiteral("Geography")},
-        {QStringLiteral("geol."), QStringLiteral("Geology")},
-        {QStringLiteral("fin."), QStringLiteral("Finance")},
-        {QStringLiteral("econ."), QStringLiteral("Economics")},
-        {QStringLiteral("comp."), QStringLiteral("Computing")},
-        {QStringLiteral("jur."), QStringLiteral("Law")},
-        {QStringLiteral("adm."), QStringLiteral("Administration")},
-        {QStringLiteral("cook."), QStringLiteral("Cooking")},
-        {QStringLiteral("electr."), QStringLiteral("Electrical engineering")},
-        {QStringLiteral("pol."), QStringLiteral("Politics")},
-        {QStringLiteral("mil."), QStringLiteral("Military")},
-        {QStringLiteral("mus."), QStringLiteral("Music")},
-        {QStringLiteral("sport"), QStringLiteral("Sport")},
-        {QStringLiteral("relig."), QStringLiteral("Religion")},
-        {QStringLiteral("hist."), QStringLiteral("Historical")},
-        {QStringLiteral("anat."), QStringLiteral("Anatomy")},
-        {QStringLiteral("ling."), QStringLiteral("Linguistics")},
-        {QStringLiteral("math."), QStringLiteral("Mathematics")},
-        {QStringLiteral("phys."), QStringLiteral("Physics")},
-        {QStringLiteral("naut."), QStringLiteral("Nautical")},
-        {QStringLiteral("school"), QStringLiteral("School")},
+    const auto has = [&](LabelKind kind) {
+        return std::any_of(labels.cbegin(), labels.cend(),
+                           [&](const QString &l) { return DictLabel::of(l).kind == kind; });
     };
-    return names;
+    double penalty = 0;
+    if (has(LabelKind::Subject))
+        penalty += 0.5;
+    if (has(LabelKind::Domain))
+        penalty += 10;
+    if (has(LabelKind::Register) || has(LabelKind::Regional))
+        penalty += 20;
+    if (has(LabelKind::Dated))
+        penalty += 25;
+    return penalty;
 }
 
-// Domains a learner rarely means when typing a common word.
-const QSet<QString> &technicalLabels()
+// "Haus…", "Berg..", "huis‐": the first part of compounds, not the word itself.
+bool isCombiningForm(const QString &headword)
 {
-    static const QSet<QString> labels = {
-        "techn.",  "chem.",   "min.",    "mining",  "comp.",    "econ.",  "fin.",     "jur.",
-        "adm.",    "electr.", "mil.",    "constr.", "phys.",    "geol.",  "biochem.", "mach.",
-        "naut.",   "aviat.",  "telco.",  "math.",   "statist.", "pharm.", "print",    "textil.",
-        "agr.",    "envir.",  "auto",    "biol.",   "astron.",  "arch.",  "ling.",    "med.",
-        "ornith.", "anat.",   "transp.", "tm",      "soc.",     "meteo.", "phil.",    "psych.",
-    };
-    return labels;
+    return headword.endsWith(u'…') || headword.endsWith(QLatin1String("..")) ||
+           headword.endsWith(u'-') || headword.endsWith(u'‐');
 }
 
-const QSet<QString> &fadingLabels()
+// "Fenster <pl>" beside "Fenster <neut, n, sg>" is the plural's entry; "Leute <pl>" is the word.
+bool isPluralForm(const DictEntry &entry)
 {
-    static const QSet<QString> labels = {"archaic", "obs.", "dated", "veraltet", "alt",  "rare",
-                                         "slang",   "pej.", "vulg.", "hist.",    "poet."};
-    return labels;
+    return entry.tags.contains(QLatin1String("pl")) && !entry.tags.contains(QLatin1String("sg")) &&
+           !entry.tags.contains(QLatin1String("n"));
+}
+
+// Whether `general` is the head of the longer `specific`: "wall" of "indoor wall", "position"
+// of "position of employment".
+bool isHeadOf(const QString &general, const QString &specific)
+{
+    return specific.size() > general.size() + 1 &&
+           ((specific.endsWith(general) &&
+             specific.at(specific.size() - general.size() - 1) == u' ') ||
+            (specific.startsWith(general) && specific.at(general.size()) == u' '));
+}
+
+// The translations a card shows for a sense: the plain ones, or all of them when none is
+// plain, in the dictionary's order except that a word comes before the longer ones it is the
+// head of ("indoor wall, wall" → "wall, indoor wall").
+QList<DictTranslation> shownTranslations(const DictSense &sense)
+{
+    QList<DictTranslation> out;
+    for (const DictTranslation &t : sense.translations)
+        if (t.plain())
+            out.append(t);
+    if (out.isEmpty())
+        out = sense.translations;
+    for (qsizetype i = 1; i < out.size(); ++i) {
+        for (qsizetype j = 0; j < i; ++j) {
+            if (isHeadOf(out[i].text, out[j].text)) {
+                out.move(i, j);
+                break;
+            }
+        }
+    }
+    return out;
+}
+
+QStringList texts(const QList<DictTranslation> &translations)
+{
+    QStringList out;
+    for (const DictTranslation &t : translations)
+        out.append(t.text);
+    return out;
+}
+
+// "american, slang" for "hen fruit [Am.] [slang]", "used to represent American speech" for
+// "dawg": what sets a translation apart, for the card's list of other words.
+QString translationMarks(const DictTranslation &t)
+{
+    QStringList marks;
+    for (const QString &label : t.labels)
+        if (const DictLabel l = DictLabel::of(label); l.usage())
+            marks.append(l.name.toLower());
+    for (const QString &note : t.notes)
+        if (isRegisterNote(note))
+            marks.append(note);
+    return marks.join(QStringLiteral(", "));
+}
+
+// The label that best tells one sense from the others: a register, region or field before a
+// national variety, a variety before a subject.
+QString senseMark(const DictSense &sense)
+{
+    QString variety, subject;
+    for (const QString &label : sense.labels) {
+        const DictLabel l = DictLabel::of(label);
+        if (l.marked())
+            return l.name.toLower();
+        if (l.kind == LabelKind::Variety && variety.isEmpty())
+            variety = l.name.toLower();
+        if (l.kind == LabelKind::Subject && subject.isEmpty())
+            subject = l.name.toLower();
+    }
+    return variety.isEmpty() ? subject : variety;
 }
 
 QString sentence(QString text)
@@ -107,31 +135,38 @@ QString sentence(QString text)
 double DictionaryCard::score(const DictEntry &entry, const DictSense &sense)
 {
     double s = 3.0 * std::min<qsizetype>(sense.examples.size(), 4);
+    if (sense.examples.size() >= 8)
+        s += 1; // twice the examples that count in full: the word's main sense
     s += 0.25 * std::min<qsizetype>(entry.seeAlso.size(), 20);
-    for (const QString &label : sense.labels) {
-        if (technicalLabels().contains(label))
-            s -= 6;
-        else if (fadingLabels().contains(label))
-            s -= 3;
-    }
+    // A meaning the word shares with many synonyms is one of several ways to say it; the one it
+    // shares with none is what the word itself means ("gehen": "go" before "walk").
+    s -= 0.25 * std::min<qsizetype>(entry.synonyms.size(), 8);
+    s -= labelPenalty(sense.labels);
+    if (std::any_of(sense.notes.cbegin(), sense.notes.cend(), isRegisterNote))
+        s -= 20;
+    // Only a dialect or slang word for the meaning ("moggy [Br.]" is plain, "bairn [Sc.]" not).
+    if (std::none_of(sense.translations.cbegin(), sense.translations.cend(),
+                     [](const DictTranslation &t) { return t.plain(); }))
+        s -= 8;
+    if (isCombiningForm(entry.headword))
+        s -= 30;
     return s;
-}
-
-QString DictionaryCard::expandLabel(const QString &label)
-{
-    return labelNames().value(label, label);
 }
 
 DictionaryCard::DictionaryCard(const QString &language, const QList<DictEntry> &entries)
     : m_language(language)
 {
+    m_singular = std::any_of(entries.cbegin(), entries.cend(), [](const DictEntry &e) {
+        return e.tags.contains(QLatin1String("sg"));
+    });
     // The best sense over all entries decides the headword; only entries of that headword
-    // (for "gehen": the verb, not the noun "Gehen") make up the card.
+    // (for "gehen": the verb, not the noun "Gehen") make up the card. Ties go to the sense the
+    // dictionary lists first.
     double best = -1e9;
     QString headword;
     for (const DictEntry &entry : entries) {
         for (const DictSense &sense : entry.senses) {
-            const double s = score(entry, sense);
+            const double s = rank(entry, sense);
             if (s > best) {
                 best = s;
                 headword = entry.headword;
@@ -145,7 +180,7 @@ DictionaryCard::DictionaryCard(const QString &language, const QList<DictEntry> &
             continue;
         m_entries.append(entry);
         for (int i = 0; i < entry.senses.size(); ++i) {
-            const double s = score(entry, entry.senses[i]);
+            const double s = rank(entry, entry.senses[i]);
             if (s > best) {
                 best = s;
                 m_bestEntry = int(m_entries.size() - 1);
@@ -155,12 +190,18 @@ DictionaryCard::DictionaryCard(const QString &language, const QList<DictEntry> &
     }
 }
 
+double DictionaryCard::rank(const DictEntry &entry, const DictSense &sense) const
+{
+    return score(entry, sense) - (m_singular && isPluralForm(entry) ? 30 : 0);
+}
+
 QString DictionaryCard::gloss(int limit) const
 {
     if (m_bestEntry < 0)
         return {};
-    return m_entries[m_bestEntry].senses[m_bestSense].translations.mid(0, limit).join(
-        QStringLiteral(", "));
+    return texts(shownTranslations(m_entries[m_bestEntry].senses[m_bestSense]))
+        .mid(0, limit)
+        .join(QStringLiteral(", "));
 }
 
 QString DictionaryCard::level(bool smallDictionary) const
@@ -221,34 +262,49 @@ DictionaryCard::write(const CardProgress &progress,
     card[QStringLiteral("gender")] = gender;
     text("gender", gender);
 
-    const QString translation = sense.translations.join(QStringLiteral(", "));
+    const QList<DictTranslation> shown = shownTranslations(sense);
+    const QString translation = texts(shown).join(QStringLiteral(", "));
     card[QStringLiteral("translation")] = translation;
     text("translation", translation);
 
-    // The other senses, best first, each as its first few translations and its domain.
+    // What else the word can mean or be translated with: first the chosen sense's own
+    // dialect, slang and dated words, each with what marks it, then the other senses, best
+    // first, each as its first few translations and what sets it apart.
+    QStringList otherLines;
+    for (const DictTranslation &t : sense.translations) {
+        if (shown.contains(t))
+            continue;
+        const QString marks = translationMarks(t);
+        otherLines.append(marks.isEmpty() ? t.text : t.text + QStringLiteral(" (") + marks + u')');
+    }
     QList<QPair<double, QString>> others;
     for (int ei = 0; ei < m_entries.size(); ++ei) {
         const DictEntry &e = m_entries[ei];
+        if (m_singular && isPluralForm(e))
+            continue; // "windows" is the plural of "window", not another meaning
         for (int si = 0; si < e.senses.size(); ++si) {
             if (ei == m_bestEntry && si == m_bestSense)
                 continue;
             const DictSense &s = e.senses[si];
-            QString line = s.translations.mid(0, 3).join(QStringLiteral(", "));
+            const QList<DictTranslation> words = shownTranslations(s);
+            QString line = texts(words).mid(0, 3).join(QStringLiteral(", "));
             if (line == translation)
                 continue;
-            if (!s.labels.isEmpty())
-                line += QStringLiteral(" (") + expandLabel(s.labels.first()).toLower() + u')';
-            others.append({score(e, s), line});
+            QString mark = senseMark(s);
+            if (mark.isEmpty() && !words.first().plain())
+                mark = translationMarks(words.first());
+            if (!mark.isEmpty())
+                line += QStringLiteral(" (") + mark + u')';
+            others.append({rank(e, s), line});
         }
     }
     std::stable_sort(others.begin(), others.end(),
                      [](const auto &a, const auto &b) { return a.first > b.first; });
-    QStringList otherLines;
     for (const auto &o : std::as_const(others)) {
+        if (otherLines.size() >= 5)
+            break;
         if (!otherLines.contains(o.second))
             otherLines.append(o.second);
-        if (otherLines.size() == 5)
-            break;
     }
     const QString definition =
         otherLines.isEmpty()
@@ -257,9 +313,12 @@ DictionaryCard::write(const CardProgress &progress,
     card[QStringLiteral("definition")] = definition;
     text("definition", definition);
 
+    // Only what marks the chosen sense itself is a usage note: "Colloquial" on a colloquial
+    // sense, never the slang of one of its translations or the field of another sense.
     QStringList usage;
     for (const QString &label : sense.labels)
-        usage.append(sentence(expandLabel(label)));
+        if (const DictLabel l = DictLabel::of(label); l.usage())
+            usage.append(sentence(l.name));
     for (const QString &note : sense.notes)
         usage.append(sentence(note));
     const QString usageNotes = usage.join(u' ');

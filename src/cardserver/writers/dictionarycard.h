@@ -8,14 +8,16 @@
 namespace cardserver {
 
 // Turns the dictionary entries of one word into a card: picks the sense a learner most likely
-// means (one with examples, outside technical domains), and writes the others as the definition.
+// means (one with examples, without a specialist, stylistic, regional or dated label), shows
+// its plain translations, and writes its marked translations and the other senses as the
+// definition ("Also: …").
 class DictionaryCard {
 public:
     // entries: every entry found for the word; language: the code of the studied language.
     DictionaryCard(const QString &language, const QList<DictEntry> &entries);
 
     QString term() const { return m_term; }
-    // The best sense's translations, at most `limit` of them, joined with ", ".
+    // The best sense's plain translations, at most `limit` of them, joined with ", ".
     QString gloss(int limit = 3) const;
     // "common" or "rare", from how much the dictionary has to say about the word.
     QString level(bool smallDictionary) const;
@@ -25,17 +27,20 @@ public:
     WrittenCard write(const CardProgress &progress,
                       const std::function<QString(const QString &term)> &readingFallback) const;
 
-    // Scores a sense: examples count most, technical and dated domains count against it.
+    // Scores a sense: examples count most; a specialist field counts against it, and a
+    // register, region or period, or having only marked translations, counts more.
     static double score(const DictEntry &entry, const DictSense &sense);
-    // "zool." → "Zoology", "coll." → "Colloquial"; unknown labels are returned as they are.
-    static QString expandLabel(const QString &label);
 
 private:
+    // score(), less for the entry of a noun's plural beside the noun's own entries.
+    double rank(const DictEntry &entry, const DictSense &sense) const;
+
     QString m_language;
     QString m_term;
     QList<DictEntry> m_entries; // those of the chosen headword
     int m_bestEntry = -1;
     int m_bestSense = -1;
+    bool m_singular = false; // some entry is a singular noun
 };
 
 } // namespace cardserver
