@@ -15,7 +15,9 @@
 #include "platform/launchhandler.h"
 #include "platform/renderchoice.h"
 #include "platform/starttime.h"
+#include "platform/windowmemory.h"
 #include "server/apiclient.h"
+#include "server/localsettings.h"
 #include "sound/speech.h"
 
 #include <cstdio>
@@ -105,6 +107,11 @@ int main(int argc, char *argv[])
                 std::fflush(stdout);
             });
     }
+
+    // The window opens where it was left, or fitted to its screen, and remembers its place.
+    WindowMemory place(window, LocalSettings::store());
+    place.show();
+    QObject::connect(&app, &QGuiApplication::aboutToQuit, &place, &WindowMemory::save);
 
     launches.handle(request, false);
     state.restore();

@@ -6,6 +6,7 @@
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "study/studyview.h"
 #include "testservices.h"
 
 #include <QDirIterator>
@@ -197,6 +198,85 @@ private slots:
         QTRY_COMPARE(m_server.lastRequest().method, QByteArray("PATCH"));
         QCoreApplication::processEvents();
         expectNoWarnings("home and settings");
+    }
+
+    // A card too long for its place scrolls by the keys once opened, while the session's own
+    // keys keep their meaning.
+    void theStudyCardScrollsByTheKeys()
+    {
+        QQmlEngine engine;
+        QQmlComponent component(&engine, QUrl(QStringLiteral("qrc:/Orvel/StudyScreen.qml")));
+        QQuickWindow window;
+        window.resize(900, 640);
+        std::unique_ptr<QObject> object(component.create());
+        auto *screen = qobject_cast<QQuickItem *>(object.get());
+        QVERIFY2(screen, qPrintable(component.errorString()));
+        screen->setParentItem(window.contentItem());
+        screen->setSize(window.size());
+        window.show();
+        window.requestActivate();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+
+        Card card;
+        card.id = 1;
+        card.term = QStringLiteral("ausgehen");
+        card.translation = QStringLiteral("go out");
+        for (int i = 0; i < 40; ++i)
+            card.examples.append({QStringLiteral("Wir gehen heute aus."),
+                                  QStringLiteral("What if we went out for a meal?")});
+        Card other = card;
+        other.id = 2;
+        DeckSummary deck;
+        deck.id = 1;
+        deck.name = QStringLiteral("Deutsch");
+        deck.language = QStringLiteral("de");
+        auto *study = screen->property("study").value<StudyView *>();
+        QVERIFY(study);
+        study->start(deck, {card, other});
+        QQuickItem *back = nullptr;
+        for (auto *item : screen->findChildren<QQuickItem *>())
+            if (item->inherits("QQuickFlickable"))
+                back = item;
+        QVERIFY(back);
+        const auto top = [back] { return back->property("contentY").toReal(); };
+        const auto bottom = [back] {
+            return back->property("contentHeight").toReal() - back->height();
+        };
+
+        QTest::keyClick(&window, Qt::Key_Space);
+        QVERIFY(study->flipped());
+        QTest::keyClick(&window, Qt::Key_E);
+        QVERIFY(study->expanded());
+        QTRY_VERIFY(bottom() > back->height());
+
+        QTest::keyClick(&window, Qt::Key_Down);
+        const qreal step = top();
+        QVERIFY(step > 0);
+        QTest::keyClick(&window, Qt::Key_PageDown);
+        QVERIFY(top() > 2 * step);
+        QTest::keyClick(&window, Qt::Key_Up);
+        QTest::keyClick(&window, Qt::Key_End);
+        QCOMPARE(top(), bottom());
+        QTest::keyClick(&window, Qt::Key_Down);
+        QCOMPARE(top(), bottom());
+        QTest::keyClick(&window, Qt::Key_PageUp);
+        QTest::keyClick(&window, Qt::Key_Home);
+        QCOMPARE(top(), 0);
+
+        // Closing the rest, or the next card, starts at the top again.
+        QTest::keyClick(&window, Qt::Key_End);
+        QTest::keyClick(&window, Qt::Key_E);
+        QVERIFY(!study->expanded());
+        QCOMPARE(top(), 0);
+        QTest::keyClick(&window, Qt::Key_E);
+        QTest::keyClick(&window, Qt::Key_End);
+        QTest::keyClick(&window, Qt::Key_Right);
+        QCOMPARE(study->index(), 1);
+        QTest::keyClick(&window, Qt::Key_Space);
+        QTest::keyClick(&window, Qt::Key_E);
+        QVERIFY(study->expanded());
+        QCOMPARE(top(), 0);
+        expectNoWarnings("study card");
     }
 };
 

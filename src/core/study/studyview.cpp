@@ -268,7 +268,8 @@ QString StudyView::progress() const
 
 QString StudyView::hint() const
 {
-    if (!hasCard())
+    // Nothing to point at once the rest of the card is open.
+    if (!hasCard() || m_expanded)
         return QString();
     return m_flipped ? studytexts::restHint() : studytexts::turnHint();
 }

@@ -4,6 +4,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusReply>
+#include <QDebug>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
@@ -38,13 +39,21 @@ std::optional<uint> unwrap(QVariant value)
 
 } // namespace
 
-ColourScheme::ColourScheme(QObject *parent) : QObject(parent)
+ColourScheme::ColourScheme(QObject *parent) : ColourScheme(QDBusConnection::sessionBus(), parent) {}
+
+ColourScheme::ColourScheme(const QDBusConnection &connection, QObject *parent) : QObject(parent)
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnection bus = connection;
     if (bus.isConnected()) {
-        bus.connect(portalService, portalPath, settingsInterface, QStringLiteral("SettingChanged"),
-                    this, SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
-        readPortal();
+        // QtDBus finds the slot's parameter types by name, and Qt 6 knows a type's name only
+        // once the type is registered; until then the connection is silently refused. Nothing
+        // has used QDBusVariant yet this early in the app's life.
+        qRegisterMetaType<QDBusVariant>();
+        if (!bus.connect(portalService, portalPath, settingsInterface,
+                         QStringLiteral("SettingChanged"), this,
+                         SLOT(portalSettingChanged(QString, QString, QDBusVariant))))
+            qWarning() << "orvel: cannot follow changes of the desktop's colour scheme";
+        readPortal(bus);
     }
     qApp->installEventFilter(this);
     m_dark = m_portalValue == 1u || (m_portalValue.value_or(0) == 0 && paletteIsDark());
@@ -66,13 +75,13 @@ void ColourScheme::portalSettingChanged(const QString &group, const QString &key
     update();
 }
 
-void ColourScheme::readPortal()
+void ColourScheme::readPortal(const QDBusConnection &bus)
 {
     QDBusMessage call = QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface,
                                                        QStringLiteral("Read"));
     call << appearanceGroup << colourSchemeKey;
     // A short wait: at start-up the answer decides the first frame's colours.
-    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, 300);
+    const QDBusMessage reply = bus.call(call, QDBus::Block, 300);
     if (reply.type() == QDBusMessage::ReplyMessage && !reply.arguments().isEmpty())
         m_portalValue = unwrap(reply.arguments().constFirst());
 }

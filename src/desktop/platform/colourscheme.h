@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+#include <QDBusConnection>
 #include <QDBusVariant>
 #include <QObject>
 
@@ -13,7 +15,10 @@ class ColourScheme : public QObject {
     Q_OBJECT
 
 public:
+    // Asks the portal on the session bus.
     explicit ColourScheme(QObject *parent = nullptr);
+    // Asks the portal on the given bus (a private one in tests).
+    explicit ColourScheme(const QDBusConnection &bus, QObject *parent = nullptr);
 
     bool dark() const { return m_dark; }
     // Whether the portal answered (the palette is the fallback otherwise).
@@ -29,7 +34,7 @@ private slots:
     void portalSettingChanged(const QString &group, const QString &key, const QDBusVariant &value);
 
 private:
-    void readPortal();
+    void readPortal(const QDBusConnection &bus);
     void update();
     static bool paletteIsDark();
 

@@ -3,7 +3,9 @@ import QtQuick.Controls
 import Orvel
 import Orvel.Core
 
-// The main window: the menu, and the sign-in or home screen depending on who is signed in.
+// The main window: the menu, and the sign-in or home screen depending on who is signed in. Its
+// size here is the intended one; the app fits it to the screen, or restores the last place, and
+// shows it.
 ApplicationWindow {
     id: window
 
@@ -12,7 +14,6 @@ ApplicationWindow {
     height: 720
     minimumWidth: 760
     minimumHeight: 520
-    visible: true
     color: Theme.window
 
     palette.window: Theme.window

@@ -54,6 +54,8 @@ QtObject {
     readonly property int cardRadius: 10
     readonly property int controlHeight: Math.round(32 * scale)
     readonly property int rowHeight: Math.round(36 * scale)
+    // How far an arrow key moves a scrolled text: about two lines of body text.
+    readonly property int scrollStep: Math.round(40 * scale)
 
     // Motion (milliseconds).
     readonly property int rowArrival: 150

@@ -141,6 +141,10 @@ private slots:
         m_view->toggleExpanded();
         QVERIFY(m_view->expanded());
         QCOMPARE(m_view->moreLabel(), QStringLiteral("less"));
+        QVERIFY(m_view->hint().isEmpty());
+        m_view->toggleExpanded();
+        QCOMPARE(m_view->hint(), QStringLiteral("click, or press E, for the rest of the card"));
+        m_view->toggleExpanded();
         m_view->answer(true);
         QCOMPARE(m_view->index(), 1);
         QVERIFY(!m_view->flipped());

@@ -1,11 +1,13 @@
 import QtQuick
+import QtQuick.Controls
 import QtQuick.Layouts
 import Orvel
 import Orvel.Core
 
 // The study session over the whole window: the title and "3 of 20" at the top, the card in the
 // middle, the answers under a turned card and the key legend at the foot. Space turns the card,
-// 1 and 2 answer, ← and → step, E opens the rest, Escape closes.
+// 1 and 2 answer, ← and → step, E opens the rest, ↑ ↓, Page Up, Page Down, Home and End scroll
+// a card too long for its place, Escape closes.
 Rectangle {
     id: screen
 
@@ -53,6 +55,24 @@ Rectangle {
                 break
             case Qt.Key_E:
                 session.toggleExpanded()
+                break
+            case Qt.Key_Up:
+                back.scroll(-Theme.scrollStep)
+                break
+            case Qt.Key_Down:
+                back.scroll(Theme.scrollStep)
+                break
+            case Qt.Key_PageUp:
+                back.scroll(-back.page)
+                break
+            case Qt.Key_PageDown:
+                back.scroll(back.page)
+                break
+            case Qt.Key_Home:
+                back.scroll(-back.contentHeight)
+                break
+            case Qt.Key_End:
+                back.scroll(back.contentHeight)
                 break
             case Qt.Key_Escape:
                 screen.closeRequested()
@@ -147,19 +167,33 @@ Rectangle {
             font.weight: Font.Medium
         }
 
-        // Back: the answer side, and the rest of the card below it when opened.
+        // Back: the answer side, and the rest of the card below it when opened, scrolled by the
+        // wheel, the scroll bar or the keys when it is longer than the card.
         Flickable {
             id: back
+
+            // A page, less a step so that the line at the edge shows again.
+            readonly property real page: Math.max(Theme.scrollStep, height - Theme.scrollStep)
+            // Each card, side and opening starts at the top.
+            readonly property string showing: session.index + (card.turned ? " back" : " face")
+                                              + (session.expanded ? " open" : "")
+
+            function scroll(by) {
+                contentY = Math.max(0, Math.min(contentHeight - height, contentY + by))
+            }
 
             visible: card.turned
             anchors.fill: parent
             anchors.margins: Theme.xxl
-            anchors.bottomMargin: Theme.xxl + hint.height
+            anchors.bottomMargin: hint.visible ? Theme.xxl + hint.height : Theme.xl
             clip: true
             contentWidth: width
             contentHeight: backColumn.height
             interactive: contentHeight > height
             boundsBehavior: Flickable.StopAtBounds
+            onShowingChanged: contentY = 0
+
+            ScrollBar.vertical: backBar
 
             Column {
                 id: backColumn
@@ -256,12 +290,25 @@ Rectangle {
             }
         }
 
+        // In the card's margin, beside the text it scrolls.
+        ScrollBar {
+            id: backBar
+
+            visible: back.visible
+            anchors.top: back.top
+            anchors.bottom: back.bottom
+            anchors.right: parent.right
+            anchors.rightMargin: Theme.xs
+            policy: back.interactive ? ScrollBar.AlwaysOn : ScrollBar.AlwaysOff
+        }
+
         OLabel {
             id: hint
 
             anchors.horizontalCenter: parent.horizontalCenter
             anchors.bottom: parent.bottom
             anchors.bottomMargin: Theme.xl
+            visible: text !== ""
             text: session.hint
             color: Theme.secondaryText
             font.pixelSize: Theme.secondary
