@@ -1,6 +1,7 @@
 #include "appstate.h"
 
 #include "app/services.h"
+#include "app/settingskeys.h"
 #include "app/skins.h"
 #include "app/soundcontrols.h"
 #include "server/apiclient.h"
@@ -12,9 +13,6 @@
 namespace orvel {
 
 namespace {
-
-const QString appearanceKey = QStringLiteral("zelon.appearance");
-const QString skinKey = QStringLiteral("zelon.skin");
 
 std::optional<AppState::Appearance> appearanceFromText(const QString &text)
 {
@@ -37,9 +35,10 @@ AppState::Appearance appearanceFor(SkinFamily family)
 AppState::AppState(APIClient &api, QObject *parent) : QObject(parent), m_api(api)
 {
     QSettings &settings = LocalSettings::store();
-    m_skin = settings.value(skinKey).toString();
+    m_skin = settings.value(settingskeys::skin()).toString();
     const auto family = Skins::familyOf(m_skin);
-    if (const auto stored = appearanceFromText(settings.value(appearanceKey).toString()))
+    if (const auto stored =
+            appearanceFromText(settings.value(settingskeys::appearance()).toString()))
         m_appearance = *stored;
     else if (family)
         m_appearance = appearanceFor(*family);
@@ -72,7 +71,7 @@ QString AppState::appearanceText(Appearance appearance)
 
 void AppState::setAppearance(Appearance appearance)
 {
-    LocalSettings::store().setValue(appearanceKey, appearanceText(appearance));
+    LocalSettings::store().setValue(settingskeys::appearance(), appearanceText(appearance));
     if (m_appearance == appearance)
         return;
     m_appearance = appearance;
@@ -213,7 +212,7 @@ void AppState::setAuth(Auth auth, const User &user)
 
 void AppState::setSkin(const QString &id)
 {
-    LocalSettings::store().setValue(skinKey, id);
+    LocalSettings::store().setValue(settingskeys::skin(), id);
     if (m_skin == id)
         return;
     m_skin = id;

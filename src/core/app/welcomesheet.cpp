@@ -1,26 +1,23 @@
 #include "welcomesheet.h"
 
 #include "app/appcommands.h"
+#include "app/settingskeys.h"
 #include "server/localsettings.h"
 
 namespace orvel {
-
-namespace {
-const QString welcomedKey = QStringLiteral("zelon.welcomed");
-}
 
 WelcomeSheet::WelcomeSheet(QObject *parent) : QObject(parent) {}
 
 bool WelcomeSheet::due() const
 {
-    return !LocalSettings::store().value(welcomedKey, false).toBool();
+    return !LocalSettings::store().value(settingskeys::welcomed(), false).toBool();
 }
 
 void WelcomeSheet::markShown()
 {
     if (!due())
         return;
-    LocalSettings::store().setValue(welcomedKey, true);
+    LocalSettings::store().setValue(settingskeys::welcomed(), true);
     emit dueChanged();
 }
 

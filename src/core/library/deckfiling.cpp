@@ -11,7 +11,7 @@ void DeckFiling::setHome(HomeView *home)
     disconnect(m_shelf);
     m_home = home;
     if (home)
-        m_shelf = connect(home, &HomeView::shelfChanged, this, &DeckFiling::changed);
+        m_shelf = connect(home->shelf(), &Shelf::changed, this, &DeckFiling::changed);
     emit changed();
 }
 
@@ -25,33 +25,33 @@ void DeckFiling::setDeckId(int deckId)
 
 QVariantList DeckFiling::folders() const
 {
-    return m_home ? m_home->folderChoices() : QVariantList{};
+    return m_home ? m_home->shelf()->folderChoices() : QVariantList{};
 }
 
 int DeckFiling::current() const
 {
     if (!m_home)
         return 0;
-    const auto deck = m_home->deckById(m_deckId);
-    if (!deck || !deck->folderId || !m_home->folderById(*deck->folderId))
+    const auto deck = m_home->shelf()->deckById(m_deckId);
+    if (!deck || !deck->folderId || !m_home->shelf()->folderById(*deck->folderId))
         return 0;
     return *deck->folderId;
 }
 
 QString DeckFiling::newFolderText() const
 {
-    return m_home ? m_home->newFolderWithText(m_deckId) : QString();
+    return m_home ? m_home->folderActions()->newFolderWithText(m_deckId) : QString();
 }
 
 bool DeckFiling::move(int folderId)
 {
-    return m_home && m_home->file(QVariantList{m_deckId}, folderId);
+    return m_home && m_home->folderActions()->file(QVariantList{m_deckId}, folderId);
 }
 
 void DeckFiling::newFolder()
 {
-    if (m_home && m_home->deckById(m_deckId))
-        m_home->requestNewFolder(m_deckId);
+    if (m_home && m_home->shelf()->deckById(m_deckId))
+        m_home->folderActions()->requestNewFolder(m_deckId);
 }
 
 } // namespace orvel

@@ -25,7 +25,7 @@ void RenameDeckSheet::setHome(HomeView *home)
 void RenameDeckSheet::setDeckId(int deckId)
 {
     m_deckId = deckId;
-    const auto deck = m_home ? m_home->deckById(deckId) : std::nullopt;
+    const auto deck = m_home ? m_home->shelf()->deckById(deckId) : std::nullopt;
     m_description = deck ? deck->description : QString();
     setName(deck ? deck->name : QString());
     m_calls.setTrouble({});
@@ -54,7 +54,7 @@ QCoro::Task<std::optional<DeckSummary>> RenameDeckSheet::save()
     if (!renamed)
         co_return std::nullopt;
     if (m_home)
-        m_home->replaceDeck(*renamed);
+        m_home->shelf()->replaceDeck(*renamed);
     emit saved(*renamed);
     co_return *renamed;
 }

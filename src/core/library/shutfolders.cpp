@@ -1,5 +1,6 @@
 #include "library/shutfolders.h"
 
+#include "app/settingskeys.h"
 #include "server/localsettings.h"
 
 #include <algorithm>
@@ -8,17 +9,10 @@
 
 namespace orvel {
 
-namespace {
-QString key()
-{
-    return QStringLiteral("zelon.sidebar.shutFolders");
-}
-} // namespace
-
 QSet<int> ShutFolders::read()
 {
     QSet<int> shut;
-    const QVariant stored = LocalSettings::store().value(key());
+    const QVariant stored = LocalSettings::store().value(settingskeys::shutFolders());
     // An INI file gives back a one-element list as a plain string, so both forms are read.
     const QVariantList items =
         stored.canConvert<QVariantList>() && stored.typeId() != QMetaType::QString
@@ -38,7 +32,7 @@ void ShutFolders::write(const QSet<int> &shut)
     QVariantList stored;
     for (int id : ascending(shut))
         stored.append(id);
-    LocalSettings::store().setValue(key(), stored);
+    LocalSettings::store().setValue(settingskeys::shutFolders(), stored);
     LocalSettings::store().sync();
 }
 

@@ -1,5 +1,6 @@
 #include "apiclient.h"
 
+#include "app/settingskeys.h"
 #include "localsettings.h"
 #include "persistentcookiejar.h"
 
@@ -19,11 +20,6 @@ constexpr int streamTimeoutMs = 300'000;
 constexpr qint64 diskCacheBytes = 256LL * 1024 * 1024;
 
 const char *const defaultServer = "https://orvel.app";
-
-QString hostKey()
-{
-    return QStringLiteral("ZELON_HOST");
-}
 
 // A usable server address: it must parse strictly and name a scheme and a host.
 std::optional<QUrl> parseHost(const QString &text)
@@ -77,8 +73,8 @@ QUrl APIClient::defaultBaseUrl()
 
 std::optional<QUrl> APIClient::hostOverride(const QStringList &arguments)
 {
-    const QString flag = QLatin1Char('-') + hostKey();
-    const QString longFlag = QStringLiteral("--") + hostKey() + QLatin1Char('=');
+    const QString flag = QLatin1Char('-') + settingskeys::host();
+    const QString longFlag = QStringLiteral("--") + settingskeys::host() + QLatin1Char('=');
     for (qsizetype i = 1; i < arguments.size(); ++i) {
         const QString &argument = arguments.at(i);
         if ((argument == flag || argument == QLatin1Char('-') + flag) && i + 1 < arguments.size())
@@ -89,7 +85,7 @@ std::optional<QUrl> APIClient::hostOverride(const QStringList &arguments)
     const QByteArray environment = qgetenv("ZELON_HOST");
     if (!environment.isEmpty())
         return parseHost(QString::fromUtf8(environment));
-    const QVariant stored = LocalSettings::store().value(hostKey());
+    const QVariant stored = LocalSettings::store().value(settingskeys::host());
     if (stored.isValid())
         return parseHost(stored.toString());
     return std::nullopt;

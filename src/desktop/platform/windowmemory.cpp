@@ -1,5 +1,6 @@
 #include "windowmemory.h"
 
+#include "app/settingskeys.h"
 #include "windowplacement.h"
 
 #include <QGuiApplication>
@@ -8,11 +9,6 @@
 #include <QWindow>
 
 namespace orvel {
-
-namespace {
-const QString geometryKey = QStringLiteral("orvel.window.geometry");
-const QString maximisedKey = QStringLiteral("orvel.window.maximised");
-} // namespace
 
 WindowMemory::WindowMemory(QWindow *window, QSettings &settings, QObject *parent)
     : QObject(parent), m_window(window), m_settings(settings)
@@ -30,7 +26,8 @@ void WindowMemory::show()
     for (const QScreen *screen : QGuiApplication::screens())
         areas.append(screen->availableGeometry());
     const QRect available = m_window->screen()->availableGeometry();
-    const QRect rect = WindowPlacement::remembered(m_settings.value(geometryKey).toRect(), areas)
+    const QRect rect = WindowPlacement::remembered(
+                           m_settings.value(settingskeys::windowGeometry()).toRect(), areas)
                            .value_or(WindowPlacement::fresh(m_window->size(), available));
     const QScreen *target = QGuiApplication::screenAt(rect.center());
     m_window->setMinimumSize(WindowPlacement::minimum(
@@ -38,7 +35,7 @@ void WindowMemory::show()
     m_window->setGeometry(rect);
     m_normal = rect;
     m_previous = rect;
-    if (m_settings.value(maximisedKey, false).toBool())
+    if (m_settings.value(settingskeys::windowMaximised(), false).toBool())
         m_window->showMaximized();
     else
         m_window->show();
@@ -48,8 +45,9 @@ void WindowMemory::save()
 {
     if (!m_window || m_normal.isNull())
         return;
-    m_settings.setValue(geometryKey, m_normal);
-    m_settings.setValue(maximisedKey, bool(m_window->windowStates() & Qt::WindowMaximized));
+    m_settings.setValue(settingskeys::windowGeometry(), m_normal);
+    m_settings.setValue(settingskeys::windowMaximised(),
+                        bool(m_window->windowStates() & Qt::WindowMaximized));
 }
 
 void WindowMemory::geometryChanged()

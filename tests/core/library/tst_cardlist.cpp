@@ -91,7 +91,7 @@ private slots:
         m_tester = std::make_unique<QAbstractItemModelTester>(
             m_home->cards(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         scriptDecks();
-        await(m_home->load());
+        await(m_home->shelf()->load());
     }
 
     void cleanup()
@@ -200,13 +200,13 @@ private slots:
         QCOMPARE(bin.text(), QStringLiteral("Deleted schnell"));
         QCOMPARE(shownIds(list()), (QList<int>{11, 12, 14, 15, 16}));
         QVERIFY(!list().hasSelection());
-        QCOMPARE(m_home->deckById(1)->cardCount, 5);
+        QCOMPARE(m_home->shelf()->deckById(1)->cardCount, 5);
 
         // Undo after the list got a filter: the card comes back at its deck index.
         bin.unbin();
         QVERIFY(!bin.pending());
         QCOMPARE(shownIds(list()), (QList<int>{11, 12, 13, 14, 15, 16}));
-        QCOMPARE(m_home->deckById(1)->cardCount, 6);
+        QCOMPARE(m_home->shelf()->deckById(1)->cardCount, 6);
         QCOMPARE(deletions(*m_server), 0);
 
         // When the list has become shorter, the card goes at the end.

@@ -27,7 +27,7 @@ namespace {
 QStringList sidebarKeys(const HomeView &home)
 {
     QStringList keys;
-    for (const SidebarRow &row : home.sidebar()->rows())
+    for (const SidebarRow &row : home.shelf()->sidebar()->rows())
         keys.append(row.key);
     return keys;
 }
@@ -57,7 +57,7 @@ class TestHomeView : public QObject {
     {
         scriptShelf();
         auto home = std::make_unique<HomeView>();
-        await(home->load());
+        await(home->shelf()->load());
         return home;
     }
 
@@ -84,29 +84,29 @@ private slots:
     {
         scriptShelf();
         HomeView home;
-        QAbstractItemModelTester tester(home.sidebar(),
+        QAbstractItemModelTester tester(home.shelf()->sidebar(),
                                         QAbstractItemModelTester::FailureReportingMode::QtTest);
-        QVERIFY(!home.loaded());
-        await(home.load());
-        QVERIFY(home.loaded());
-        QVERIFY(!home.shelfEmpty());
-        QVERIFY(home.trouble().isEmpty());
+        QVERIFY(!home.shelf()->loaded());
+        await(home.shelf()->load());
+        QVERIFY(home.shelf()->loaded());
+        QVERIFY(!home.shelf()->empty());
+        QVERIFY(home.shelf()->trouble().isEmpty());
         QCOMPARE(sidebarKeys(home), (QStringList{"decks", "deck-1", "deck-2", "deck-5", "folders",
                                                  "folder-10", "deck-3", "folder-20", "deck-4"}));
-        const QModelIndex deck = home.sidebar()->index(1);
+        const QModelIndex deck = home.shelf()->sidebar()->index(1);
         QCOMPARE(deck.data(SidebarModel::NameRole).toString(), QStringLiteral("Deutsch"));
         QCOMPARE(deck.data(SidebarModel::CountRole).toInt(), 42);
         QCOMPARE(deck.data(SidebarModel::KindRole).toString(), QStringLiteral("deck"));
-        QCOMPARE(home.deckForShortcut(1), 1);
-        QCOMPARE(home.deckForShortcut(3), 5);
-        QCOMPARE(home.deckForShortcut(4), 3);
-        QCOMPARE(home.deckForShortcut(6), 0);
+        QCOMPARE(home.shelf()->deckForShortcut(1), 1);
+        QCOMPARE(home.shelf()->deckForShortcut(3), 5);
+        QCOMPARE(home.shelf()->deckForShortcut(4), 3);
+        QCOMPARE(home.shelf()->deckForShortcut(6), 0);
 
         // A failed listing keeps the shelf and says so.
         m_server->reply("GET", "/api/folders", 500, R"({"error":"boom"})");
-        await(home.load());
-        QCOMPARE(home.trouble(), QStringLiteral("Couldn't load your decks"));
-        QCOMPARE(home.decks().size(), 5);
+        await(home.shelf()->load());
+        QCOMPARE(home.shelf()->trouble(), QStringLiteral("Couldn't load your decks"));
+        QCOMPARE(home.shelf()->decks().size(), 5);
     }
 
     void anEmptyShelf()
@@ -114,29 +114,29 @@ private slots:
         m_server->reply("GET", "/api/decks", 200, "[]");
         m_server->reply("GET", "/api/folders", 200, "[]");
         HomeView home;
-        await(home.load());
-        QVERIFY(home.shelfEmpty());
-        QVERIFY(!home.hasDecks());
+        await(home.shelf()->load());
+        QVERIFY(home.shelf()->empty());
+        QVERIFY(!home.shelf()->hasDecks());
     }
 
     void shutFoldersAreKeptAcrossScreens()
     {
         auto home = loadedHome();
-        QAbstractItemModelTester tester(home->sidebar(),
+        QAbstractItemModelTester tester(home->shelf()->sidebar(),
                                         QAbstractItemModelTester::FailureReportingMode::QtTest);
-        home->setOpen(20, false);
-        home->setOpen(10, false);
+        home->shelf()->setOpen(20, false);
+        home->shelf()->setOpen(10, false);
         QCOMPARE(LocalSettings::store().value("zelon.sidebar.shutFolders").toStringList(),
                  (QStringList{"10", "20"}));
         QCOMPARE(sidebarKeys(*home), (QStringList{"decks", "deck-1", "deck-2", "deck-5", "folders",
                                                   "folder-10", "folder-20"}));
-        home->setOpen(10, true);
+        home->shelf()->setOpen(10, true);
         QCOMPARE(LocalSettings::store().value("zelon.sidebar.shutFolders").toStringList(),
                  QStringList{"20"});
 
         auto again = loadedHome();
-        QVERIFY(again->isOpen(10));
-        QVERIFY(!again->isOpen(20));
+        QVERIFY(again->shelf()->isOpen(10));
+        QVERIFY(!again->shelf()->isOpen(20));
         QVERIFY(!sidebarKeys(*again).contains("deck-4"));
     }
 
@@ -147,12 +147,12 @@ private slots:
         m_server->reply("PATCH", "/api/decks/3", 200, bytes(summary(3, "Français", {}, 64)));
 
         // Unknown folder or no known deck: refused, nothing sent.
-        QVERIFY(!home->file(QVariantList{1}, 77));
-        QVERIFY(!home->file(QVariantList{404}, 20));
+        QVERIFY(!home->folderActions()->file(QVariantList{1}, 77));
+        QVERIFY(!home->folderActions()->file(QVariantList{404}, 20));
         QCOMPARE(m_server->requestCount(), 2);
 
-        QVERIFY(home->file(QVariantList{1}, 20));
-        QTRY_COMPARE(home->deckById(1)->folderId, std::optional<int>(20));
+        QVERIFY(home->folderActions()->file(QVariantList{1}, 20));
+        QTRY_COMPARE(home->shelf()->deckById(1)->folderId, std::optional<int>(20));
         auto request = m_server->lastRequest();
         QCOMPARE(request.path, QStringLiteral("/api/decks/1"));
         QCOMPARE(body(request.body), (QJsonObject{{"folder_id", 20}}));
@@ -161,21 +161,21 @@ private slots:
                               "folder-20", "deck-1", "deck-4"}));
 
         // Dropped on the "Decks" heading: out of any folder, with an explicit null.
-        QVERIFY(await(home->move({3}, std::nullopt)));
+        QVERIFY(await(home->folderActions()->move({3}, std::nullopt)));
         request = m_server->lastRequest();
         QCOMPARE(request.path, QStringLiteral("/api/decks/3"));
         QCOMPARE(body(request.body), (QJsonObject{{"folder_id", QJsonValue()}}));
-        QVERIFY(!home->deckById(3)->folderId);
+        QVERIFY(!home->shelf()->deckById(3)->folderId);
 
         // A deck already where it is dropped is not sent again.
         const int before = m_server->requestCount();
-        QVERIFY(await(home->move({2, 5}, std::nullopt)));
+        QVERIFY(await(home->folderActions()->move({2, 5}, std::nullopt)));
         QCOMPARE(m_server->requestCount(), before);
 
         // A refused move says so.
         m_server->reply("PATCH", "/api/decks/2", 500, R"({"error":"nope"})");
-        QVERIFY(!await(home->move({2}, 10)));
-        QCOMPARE(home->trouble(), QStringLiteral("Couldn't file that"));
+        QVERIFY(!await(home->folderActions()->move({2}, 10)));
+        QCOMPARE(home->shelf()->trouble(), QStringLiteral("Couldn't file that"));
     }
 
     void theMoveToMenu()
@@ -205,11 +205,11 @@ private slots:
             "GET", "/api/folders", 200,
             bytes(QJsonArray{folder(10, "Untitled Folder"), folder(20, "untitled folder 2")}));
         HomeView home;
-        await(home.load());
+        await(home.shelf()->load());
         m_server->reply("POST", "/api/folders", 200, bytes(folder(30, "untitled folder 3")));
         m_server->reply("PATCH", "/api/decks/1", 200, bytes(summary(1, "Deutsch", 30)));
 
-        const auto made = await(home.newFolder(1));
+        const auto made = await(home.folderActions()->newFolder(1));
         QVERIFY(made);
         QCOMPARE(made->id, 30);
         const auto requests = m_server->requests();
@@ -217,23 +217,23 @@ private slots:
         QCOMPARE(body(requests[requests.size() - 2].body),
                  (QJsonObject{{"name", "untitled folder 3"}}));
         QCOMPARE(body(requests.last().body), (QJsonObject{{"folder_id", 30}}));
-        QCOMPARE(home.deckById(1)->folderId, std::optional<int>(30));
+        QCOMPARE(home.shelf()->deckById(1)->folderId, std::optional<int>(30));
         // The new folder's name is edited in place next.
-        QCOMPARE(home.editingFolderId(), 30);
+        QCOMPARE(home.folderActions()->editingFolderId(), 30);
 
         m_server->reply("PATCH", "/api/folders/30", 200, bytes(folder(30, "Grammar")));
-        await(home.renameFolder(30, "  Grammar\t"));
+        await(home.folderActions()->rename(30, "  Grammar\t"));
         QCOMPARE(body(m_server->lastRequest().body), (QJsonObject{{"name", "Grammar"}}));
-        QCOMPARE(home.folderById(30)->name, QStringLiteral("Grammar"));
-        QCOMPARE(home.editingFolderId(), 0);
+        QCOMPARE(home.shelf()->folderById(30)->name, QStringLiteral("Grammar"));
+        QCOMPARE(home.folderActions()->editingFolderId(), 0);
         // A blank name keeps the old one and sends nothing.
         const int before = m_server->requestCount();
-        await(home.renameFolder(30, "   "));
+        await(home.folderActions()->rename(30, "   "));
         QCOMPARE(m_server->requestCount(), before);
 
         m_server->reply("POST", "/api/folders", 500, R"({"error":"no"})");
-        QVERIFY(!await(home.newFolder(std::nullopt)));
-        QCOMPARE(home.trouble(), QStringLiteral("Couldn't file that"));
+        QVERIFY(!await(home.folderActions()->newFolder(std::nullopt)));
+        QCOMPARE(home.shelf()->trouble(), QStringLiteral("Couldn't file that"));
     }
 
     void deletingAFolderLeavesItsDecksLoose()
@@ -244,16 +244,17 @@ private slots:
         m_server->reply("GET", "/api/folders", 200,
                         bytes(QJsonArray{folder(10, "Travel", 2), folder(20, "Empty")}));
         HomeView home;
-        await(home.load());
-        home.setOpen(10, false);
-        QCOMPARE(home.folderDeleteQuestion(10), QStringLiteral("Delete the folder “Travel”?"));
+        await(home.shelf()->load());
+        home.shelf()->setOpen(10, false);
+        QCOMPARE(home.folderActions()->deleteQuestion(10),
+                 QStringLiteral("Delete the folder “Travel”?"));
         QCOMPARE(
-            home.folderDeleteDetail(10),
+            home.folderActions()->deleteDetail(10),
             QStringLiteral("Its 2 decks move out of the folder. No cards or notes are deleted."));
-        QCOMPARE(home.folderDeleteDetail(20), QStringLiteral("The folder is empty."));
+        QCOMPARE(home.folderActions()->deleteDetail(20), QStringLiteral("The folder is empty."));
 
         m_server->reply("DELETE", "/api/folders/10", 204, "");
-        await(home.deleteFolder(10));
+        await(home.folderActions()->remove(10));
         QCOMPARE(m_server->lastRequest().method, QByteArray("DELETE"));
         QCOMPARE(sidebarKeys(home),
                  (QStringList{"decks", "deck-1", "deck-2", "deck-3", "folders", "folder-20"}));
@@ -264,24 +265,24 @@ private slots:
     void deletingADeck()
     {
         auto home = loadedHome();
-        QCOMPARE(home->deckDeleteQuestion(1), QStringLiteral("Delete Deutsch?"));
-        QCOMPARE(home->deckDeleteDetail(1),
+        QCOMPARE(home->deckActions()->deleteQuestion(1), QStringLiteral("Delete Deutsch?"));
+        QCOMPARE(home->deckActions()->deleteDetail(1),
                  QStringLiteral("42 cards and 2 notes go too. This cannot be undone."));
-        QCOMPARE(home->deckDeleteDetail(3),
+        QCOMPARE(home->deckActions()->deleteDetail(3),
                  QStringLiteral("64 cards go too. This cannot be undone."));
-        QCOMPARE(home->deckDeleteQuestion(404), QStringLiteral("Delete this deck?"));
+        QCOMPARE(home->deckActions()->deleteQuestion(404), QStringLiteral("Delete this deck?"));
 
         m_server->reply("GET", "/api/decks/1", 200, bytes(deck(1, "Deutsch", {})));
         home->selectDeck(1);
         QTRY_VERIFY(home->cards()->hasDeck());
         m_server->reply("DELETE", "/api/decks/1", 500, R"({"error":"Not now."})");
-        await(home->deleteDeck(1));
-        QCOMPARE(home->trouble(), QStringLiteral("Not now."));
-        QVERIFY(home->deckById(1));
+        await(home->deckActions()->remove(1));
+        QCOMPARE(home->shelf()->trouble(), QStringLiteral("Not now."));
+        QVERIFY(home->shelf()->deckById(1));
 
         m_server->reply("DELETE", "/api/decks/1", 204, "");
-        await(home->deleteDeck(1));
-        QVERIFY(!home->deckById(1));
+        await(home->deckActions()->remove(1));
+        QVERIFY(!home->shelf()->deckById(1));
         QCOMPARE(home->selectedDeckId(), 0);
         QVERIFY(!home->cards()->hasDeck());
     }
@@ -290,23 +291,24 @@ private slots:
     {
         auto home = loadedHome();
         QSignalSpy posted(&AppCommands::shared(), &AppCommands::posted);
-        home->studyDeck(1);
+        home->deckActions()->study(1);
         QCOMPARE(posted.count(), 1);
         QCOMPARE(posted[0][0].value<AppCommand>(), AppCommand::study);
         QCOMPARE(posted[0][1].toString(), QStringLiteral("1"));
 
         // Folder 10 holds deck 3 (64 cards); folder 20 holds only deck 4, which has none.
-        QVERIFY(home->studyAll(10));
+        QVERIFY(home->folderActions()->studyAll(10));
         QCOMPARE(posted.last()[1].toString(), QStringLiteral("3"));
-        QVERIFY(!home->studyAll(20));
+        QVERIFY(!home->folderActions()->studyAll(20));
         QCOMPARE(posted.count(), 2);
 
         m_server->reply("PATCH", "/api/decks/1", 200, bytes(summary(1, "Deutsch", 10, 42)));
-        QVERIFY(await(home->move({1}, 10)));
-        QCOMPARE(home->studyAllDecks(10), (QList<int>{1, 3}));
-        QVERIFY(home->studyAll(10));
+        QVERIFY(await(home->folderActions()->move({1}, 10)));
+        QCOMPARE(home->folderActions()->studyAllDecks(10), (QList<int>{1, 3}));
+        QVERIFY(home->folderActions()->studyAll(10));
         QCOMPARE(posted.last()[1].toString(), QStringLiteral("1,3"));
-        QCOMPARE(home->studyButtonText("Ctrl+R"), QStringLiteral("Study this deck (Ctrl+R)"));
+        QCOMPARE(home->deckActions()->studyButtonText("Ctrl+R"),
+                 QStringLiteral("Study this deck (Ctrl+R)"));
     }
 
     void shortcutsOpenDecks()
@@ -355,7 +357,7 @@ private slots:
                                                                   {"language", "de"},
                                                                   {"native_language", "en"}}));
         QCOMPARE(home->selectedDeckId(), 6);
-        QVERIFY(home->deckById(6));
+        QVERIFY(home->shelf()->deckById(6));
 
         m_server->reply("POST", "/api/decks", 400, R"({"error":"Pick a language."})");
         QVERIFY(!await(sheet.start()));
@@ -371,7 +373,7 @@ private slots:
         QVERIFY(await(rename.save()));
         QCOMPARE(body(m_server->lastRequest().body),
                  (QJsonObject{{"name", "Español Dos"}, {"description", ""}}));
-        QCOMPARE(home->deckById(2)->name, QStringLiteral("Español Dos"));
+        QCOMPARE(home->shelf()->deckById(2)->name, QStringLiteral("Español Dos"));
     }
 
 private:

@@ -114,7 +114,7 @@ private slots:
         QTRY_VERIFY(window.windowStates() & Qt::WindowMaximized);
         QTRY_VERIFY(window.geometry() != left);
         memory.save();
-        QCOMPARE(settings.value("orvel.window.geometry").toRect(), left);
+        QCOMPARE(settings.value("zelon.window.geometry").toRect(), left);
     }
 };
 

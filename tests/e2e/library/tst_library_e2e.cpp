@@ -32,7 +32,7 @@ QCoro::Task<std::optional<Card>> addCard(APIClient &api, int deck, QString word)
 QStringList sidebarKeys(const HomeView &home)
 {
     QStringList keys;
-    for (const SidebarRow &row : home.sidebar()->rows())
+    for (const SidebarRow &row : home.shelf()->sidebar()->rows())
         keys.append(row.key);
     return keys;
 }
@@ -67,9 +67,9 @@ private slots:
     void theShelf()
     {
         HomeView home;
-        await(home.load());
-        QVERIFY(home.trouble().isEmpty());
-        QVERIFY(home.shelfEmpty());
+        await(home.shelf()->load());
+        QVERIFY(home.shelf()->trouble().isEmpty());
+        QVERIFY(home.shelf()->empty());
 
         NewDeckSheet sheet;
         sheet.setHome(&home);
@@ -86,22 +86,22 @@ private slots:
         }
         QCOMPARE(home.selectedDeckId(), decks.last());
 
-        const auto evening = await(home.newFolder(std::nullopt));
+        const auto evening = await(home.folderActions()->newFolder(std::nullopt));
         QVERIFY(evening);
         QCOMPARE(evening->name, QStringLiteral("untitled folder"));
-        await(home.renameFolder(evening->id, "Evening class"));
+        await(home.folderActions()->rename(evening->id, "Evening class"));
         // A folder made for a deck files the deck into it.
-        const auto travel = await(home.newFolder(decks[1]));
+        const auto travel = await(home.folderActions()->newFolder(decks[1]));
         QVERIFY(travel);
         QCOMPARE(travel->name, QStringLiteral("untitled folder"));
-        QCOMPARE(home.deckById(decks[1])->folderId, std::optional<int>(travel->id));
+        QCOMPARE(home.shelf()->deckById(decks[1])->folderId, std::optional<int>(travel->id));
 
-        QVERIFY(await(home.move({decks[3], decks[4]}, evening->id)));
-        home.setOpen(travel->id, false);
+        QVERIFY(await(home.folderActions()->move({decks[3], decks[4]}, evening->id)));
+        home.shelf()->setOpen(travel->id, false);
 
         // What the server now says matches what the shelf shows.
         HomeView fresh;
-        await(fresh.load());
+        await(fresh.shelf()->load());
         const QString e = QString::number(evening->id), t = QString::number(travel->id);
         const QStringList expected = {"decks",
                                       "deck-" + QString::number(decks[0]),
@@ -112,41 +112,41 @@ private slots:
                                       "deck-" + QString::number(decks[4]),
                                       "folder-" + t};
         QCOMPARE(sidebarKeys(fresh), expected);
-        QCOMPARE(fresh.folderById(evening->id)->name, QStringLiteral("Evening class"));
+        QCOMPARE(fresh.shelf()->folderById(evening->id)->name, QStringLiteral("Evening class"));
         QCOMPARE(
-            fresh.folderDeleteDetail(evening->id),
+            fresh.folderActions()->deleteDetail(evening->id),
             QStringLiteral("Its 2 decks move out of the folder. No cards or notes are deleted."));
 
         // Unfiling, then deleting a folder that holds two decks leaves both loose.
-        QVERIFY(await(fresh.move({decks[1]}, std::nullopt)));
-        await(fresh.deleteFolder(evening->id));
-        QVERIFY(fresh.trouble().isEmpty());
+        QVERIFY(await(fresh.folderActions()->move({decks[1]}, std::nullopt)));
+        await(fresh.folderActions()->remove(evening->id));
+        QVERIFY(fresh.shelf()->trouble().isEmpty());
         HomeView after;
-        await(after.load());
-        QCOMPARE(after.folders().size(), 1);
+        await(after.shelf()->load());
+        QCOMPARE(after.shelf()->folders().size(), 1);
         for (int id : decks)
-            QVERIFY(!after.deckById(id)->folderId);
-        QVERIFY(!after.isOpen(travel->id));
+            QVERIFY(!after.shelf()->deckById(id)->folderId);
+        QVERIFY(!after.shelf()->isOpen(travel->id));
 
-        await(after.deleteDeck(decks[2]));
+        await(after.deckActions()->remove(decks[2]));
         HomeView last;
-        await(last.load());
-        QCOMPARE(last.decks().size(), 4);
+        await(last.shelf()->load());
+        QCOMPARE(last.shelf()->decks().size(), 4);
     }
 
     void theCards()
     {
         HomeView home;
-        await(home.load());
-        const int deckId = home.decks().first().id;
+        await(home.shelf()->load());
+        const int deckId = home.shelf()->decks().first().id;
         QList<Card> cards;
         for (const char *word : {"Hund", "laufen", "schnell"}) {
             const auto card = await(addCard(*m_api, deckId, QString::fromUtf8(word)));
             QVERIFY(card);
             cards.append(*card);
         }
-        await(home.load());
-        QCOMPARE(home.deckById(deckId)->cardCount, 3);
+        await(home.shelf()->load());
+        QCOMPARE(home.shelf()->deckById(deckId)->cardCount, 3);
 
         home.selectDeck(deckId);
         CardList &list = *home.cards();
@@ -166,7 +166,7 @@ private slots:
         const Card first = list.cardAt(0);
         const Card second = list.cardAt(1);
         QVERIFY(bin.bin(first.id));
-        QCOMPARE(home.deckById(deckId)->cardCount, 2);
+        QCOMPARE(home.shelf()->deckById(deckId)->cardCount, 2);
         bin.unbin();
         QCOMPARE(list.cardAt(0).id, first.id);
 

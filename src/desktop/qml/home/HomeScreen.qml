@@ -54,7 +54,7 @@ Rectangle {
                     }
                     OButton {
                         // Quick add, while no deck is open to type into.
-                        visible: !homeView.hasSelectedDeck && homeView.hasDecks
+                        visible: !homeView.hasSelectedDeck && homeView.shelf.hasDecks
                         text: "Add to a deck"
                         display: AbstractButton.IconOnly
                         icon.source: "qrc:/Orvel/resources/icons/plus.svg"
@@ -113,14 +113,14 @@ Rectangle {
     // The shelf's and the open deck's logic.
     HomeView {
         id: homeView
-        Component.onCompleted: reload()
+        Component.onCompleted: shelf.reload()
     }
 
     // Quick add: from the sidebar, and from the quickAdd command (orvel --add "word").
     QuickAddDialog {
         id: quickAdd
         onAdded: (deck, card) => {
-            homeView.reload()
+            homeView.shelf.reload()
             if (homeView.selectedDeckId === deck.id)
                 homeView.cards.open(deck.id)
         }

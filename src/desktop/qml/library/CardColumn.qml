@@ -25,26 +25,26 @@ Rectangle {
         id: studyKey
         sequence: "Ctrl+R"
         enabled: column.home !== null && column.home.hasSelectedDeck
-        onActivated: column.home.studyDeck(column.home.selectedDeckId)
+        onActivated: column.home.deckActions.study(column.home.selectedDeckId)
     }
 
     // Without a deck.
     ColumnLayout {
         anchors.centerIn: parent
         width: parent.width - 2 * Theme.xl
-        visible: column.home !== null && !column.home.hasSelectedDeck && column.home.loaded
+        visible: column.home !== null && !column.home.hasSelectedDeck && column.home.shelf.loaded
         spacing: Theme.s
 
         OLabel {
             Layout.alignment: Qt.AlignHCenter
-            text: column.home && !column.home.hasDecks ? "No decks yet" : "No deck selected"
+            text: column.home && !column.home.shelf.hasDecks ? "No decks yet" : "No deck selected"
             color: Theme.secondaryText
             font.family: Theme.displayFamily
             font.pixelSize: Theme.sheetTitle
         }
         OLabel {
             Layout.fillWidth: true
-            visible: column.home !== null && !column.home.hasDecks
+            visible: column.home !== null && !column.home.shelf.hasDecks
             horizontalAlignment: Text.AlignHCenter
             wrapMode: Text.Wrap
             text: "A deck holds one language. " + newDeckKey.nativeText + " starts one."
@@ -208,7 +208,7 @@ Rectangle {
                     visible: column.cards !== null && column.cards.hasDeck && column.cards.total === 0
                     horizontalAlignment: Text.AlignHCenter
                     wrapMode: Text.Wrap
-                    text: column.home ? column.home.emptyDeckGuidance(lessonKey.nativeText) : ""
+                    text: column.home ? column.home.deckActions.emptyDeckGuidance(lessonKey.nativeText) : ""
                     color: Theme.secondaryText
                     font.pixelSize: Theme.secondary
                 }
@@ -339,8 +339,8 @@ Rectangle {
             Layout.bottomMargin: Theme.s
             primary: true
             enabled: column.home !== null && column.home.hasSelectedDeck
-            text: column.home ? column.home.studyButtonText(studyKey.nativeText) : ""
-            onClicked: column.home.studyDeck(column.home.selectedDeckId)
+            text: column.home ? column.home.deckActions.studyButtonText(studyKey.nativeText) : ""
+            onClicked: column.home.deckActions.study(column.home.selectedDeckId)
         }
     }
 }

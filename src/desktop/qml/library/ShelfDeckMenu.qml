@@ -25,7 +25,7 @@ Menu {
 
     MenuItem {
         text: "Study"
-        onTriggered: if (menu.home) menu.home.studyDeck(menu.deckId)
+        onTriggered: if (menu.home) menu.home.deckActions.study(menu.deckId)
     }
     MenuItem {
         text: "Rename…"

@@ -15,11 +15,11 @@ Menu {
     MenuItem {
         text: "Study All Decks"
         enabled: menu.home !== null
-        onTriggered: if (menu.home) menu.home.studyAll(menu.folderId)
+        onTriggered: if (menu.home) menu.home.folderActions.studyAll(menu.folderId)
     }
     MenuItem {
         text: "Rename Folder"
-        onTriggered: if (menu.home) menu.home.editingFolderId = menu.folderId
+        onTriggered: if (menu.home) menu.home.folderActions.editingFolderId = menu.folderId
     }
     MenuSeparator {}
     MenuItem {

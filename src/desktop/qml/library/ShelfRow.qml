@@ -18,7 +18,8 @@ Item {
     required property int shortcut
 
     property HomeView home: null
-    property string dragType: "dev.zelon.app.deck"
+    // The shelf's drag type; the sidebar hands it in.
+    property string dragType: ""
 
     signal menuRequested(Item item)
 
@@ -26,7 +27,7 @@ Item {
     readonly property bool isDeck: kind === "deck"
     readonly property bool isFolder: kind === "folder"
     readonly property bool selected: isDeck && home !== null && home.selectedDeckId === rowId
-    readonly property bool editing: isFolder && home !== null && home.editingFolderId === rowId
+    readonly property bool editing: isFolder && home !== null && home.folderActions.editingFolderId === rowId
     readonly property bool acceptsDrop: kind === "decksHeading" || isFolder
 
     implicitHeight: isHeading ? Math.round((kind === "foldersHeading" ? 44 : 32) * Theme.scale)
@@ -45,7 +46,7 @@ Item {
         keys: [row.dragType]
         onDropped: (event) => {
             const deckId = event.source ? event.source.deckId : 0
-            if (row.home && deckId && row.home.file([deckId], row.isFolder ? row.rowId : 0))
+            if (row.home && deckId && row.home.folderActions.file([deckId], row.isFolder ? row.rowId : 0))
                 event.accept(Qt.MoveAction)
         }
     }
@@ -87,7 +88,7 @@ Item {
             font.pixelSize: Theme.secondary
             ToolTip.visible: hovered
             ToolTip.text: "New Folder (Ctrl+Alt+N)"
-            onClicked: if (row.home) row.home.requestNewFolder(0)
+            onClicked: if (row.home) row.home.folderActions.requestNewFolder(0)
         }
     }
 
@@ -121,10 +122,10 @@ Item {
             implicitHeight: Math.round(28 * Theme.scale)
             placeholderText: "Folder name"
             onVisibleChanged: if (visible) { text = row.name; selectAll(); forceActiveFocus() }
-            onAccepted: if (row.home) row.home.finishNaming(row.rowId, text)
-            Keys.onEscapePressed: if (row.home) row.home.editingFolderId = 0
+            onAccepted: if (row.home) row.home.folderActions.finishNaming(row.rowId, text)
+            Keys.onEscapePressed: if (row.home) row.home.folderActions.editingFolderId = 0
             onActiveFocusChanged: if (!activeFocus && row.editing && row.home)
-                                      row.home.finishNaming(row.rowId, text)
+                                      row.home.folderActions.finishNaming(row.rowId, text)
         }
         OLabel {
             visible: row.isDeck || (row.isFolder && !row.open)
@@ -147,9 +148,9 @@ Item {
             if (row.isDeck)
                 row.home.selectedDeckId = row.rowId
             else if (row.isFolder)
-                row.home.setOpen(row.rowId, !row.open)
+                row.home.shelf.setOpen(row.rowId, !row.open)
         }
-        onDoubleTapped: if (row.isFolder && row.home) row.home.editingFolderId = row.rowId
+        onDoubleTapped: if (row.isFolder && row.home) row.home.folderActions.editingFolderId = row.rowId
     }
     TapHandler {
         enabled: !row.isHeading

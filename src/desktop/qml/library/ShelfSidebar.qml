@@ -17,7 +17,7 @@ Item {
 
     signal newDeckRequested()
 
-    readonly property string dragType: home ? home.dragType() : "dev.zelon.app.deck"
+    readonly property string dragType: home ? home.shelf.dragType() : ""
 
     ColumnLayout {
         anchors.fill: parent
@@ -27,7 +27,7 @@ Item {
         ColumnLayout {
             Layout.fillWidth: true
             Layout.topMargin: Theme.xl
-            visible: shelf.home !== null && shelf.home.shelfEmpty
+            visible: shelf.home !== null && shelf.home.shelf.empty
             spacing: Theme.s
 
             OLabel {
@@ -54,9 +54,9 @@ Item {
 
         OLabel {
             Layout.fillWidth: true
-            visible: shelf.home !== null && shelf.home.trouble !== ""
+            visible: shelf.home !== null && shelf.home.shelf.trouble !== ""
             wrapMode: Text.Wrap
-            text: shelf.home ? shelf.home.trouble : ""
+            text: shelf.home ? shelf.home.shelf.trouble : ""
             color: Theme.danger
             font.pixelSize: Theme.secondary
         }
@@ -66,12 +66,12 @@ Item {
 
             Layout.fillWidth: true
             Layout.fillHeight: true
-            visible: shelf.home !== null && !shelf.home.shelfEmpty
+            visible: shelf.home !== null && !shelf.home.shelf.empty
             clip: true
             // Dragging a row files a deck, so the list scrolls by wheel and scroll bar only.
             interactive: false
             boundsBehavior: Flickable.StopAtBounds
-            model: shelf.home ? shelf.home.sidebar : null
+            model: shelf.home ? shelf.home.shelf.sidebar : null
             Accessible.role: Accessible.List
             Accessible.name: "Decks and folders"
 
@@ -113,8 +113,8 @@ Item {
             if (!shelf.home)
                 return
             deleteDeckDialog.deckId = deckId
-            deleteDeckDialog.title = shelf.home.deckDeleteQuestion(deckId)
-            deleteDeckDialog.detail = shelf.home.deckDeleteDetail(deckId)
+            deleteDeckDialog.title = shelf.home.deckActions.deleteQuestion(deckId)
+            deleteDeckDialog.detail = shelf.home.deckActions.deleteDetail(deckId)
             deleteDeckDialog.open()
         }
     }
@@ -126,8 +126,8 @@ Item {
             if (!shelf.home)
                 return
             deleteFolderDialog.folderId = folderId
-            deleteFolderDialog.title = shelf.home.folderDeleteQuestion(folderId)
-            deleteFolderDialog.detail = shelf.home.folderDeleteDetail(folderId)
+            deleteFolderDialog.title = shelf.home.folderActions.deleteQuestion(folderId)
+            deleteFolderDialog.detail = shelf.home.folderActions.deleteDetail(folderId)
             deleteFolderDialog.open()
         }
     }
@@ -143,12 +143,12 @@ Item {
     ConfirmDeleteDialog {
         id: deleteDeckDialog
         property int deckId: 0
-        onConfirmed: if (shelf.home) shelf.home.requestDeleteDeck(deckId)
+        onConfirmed: if (shelf.home) shelf.home.deckActions.requestRemove(deckId)
     }
     ConfirmDeleteDialog {
         id: deleteFolderDialog
         property int folderId: 0
-        onConfirmed: if (shelf.home) shelf.home.requestDeleteFolder(folderId)
+        onConfirmed: if (shelf.home) shelf.home.folderActions.requestRemove(folderId)
     }
 
     onNewDeckRequested: newDeckDialog.open()
@@ -160,7 +160,7 @@ Item {
             if (notification === "zelon.command.newDeck")
                 newDeckDialog.open()
             else if (notification === "zelon.command.newFolder" && shelf.home)
-                shelf.home.requestNewFolder(0)
+                shelf.home.folderActions.requestNewFolder(0)
         }
     }
 
