@@ -74,10 +74,10 @@ int main(int argc, char *argv[])
     QObject::connect(&scheme, &ColourScheme::darkChanged, &state, &AppState::setSystemIsDark);
 
     AppCommands &commands = AppCommands::shared();
-    QObject::connect(
-        &commands, &AppCommands::notified, [](const QString &name, const QString &text) {
-            qInfo().noquote() << "orvel:" << name << (text.isEmpty() ? QString() : text);
-        });
+    QObject::connect(&commands, &AppCommands::posted, [](AppCommand command, const QString &text) {
+        qInfo().noquote() << "orvel:" << AppCommands::notification(command)
+                          << (text.isEmpty() ? QString() : text);
+    });
     ServiceProvider addWords(commands);
     LaunchHandler launches(addWords);
     QObject::connect(&channel, &InstanceChannel::received, &launches,

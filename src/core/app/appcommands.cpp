@@ -1,6 +1,6 @@
 #include "appcommands.h"
 
-#include <QDebug>
+#include <QMetaEnum>
 #include <QQmlEngine>
 
 namespace orvel {
@@ -19,21 +19,39 @@ AppCommands *AppCommands::create(QQmlEngine *, QJSEngine *)
     return &shared();
 }
 
-void AppCommands::post(AppCommand command, const QString &text)
+QList<AppCommands::Command> AppCommands::all()
 {
-    emit posted(command, text);
-    emit notified(appCommandNotification(command), text);
+    const QMetaEnum commands = QMetaEnum::fromType<Command>();
+    QList<Command> list;
+    for (int i = 0; i < commands.keyCount(); ++i)
+        list.append(Command(commands.value(i)));
+    return list;
 }
 
-bool AppCommands::post(const QString &name, const QString &text)
+QString AppCommands::name(Command command)
 {
-    const auto command = appCommandFromName(name);
-    if (!command) {
-        qWarning().noquote() << "AppCommands: no command named" << name;
-        return false;
-    }
-    post(*command, text);
-    return true;
+    QString key = QString::fromLatin1(QMetaEnum::fromType<Command>().valueToKey(int(command)));
+    if (!key.isEmpty())
+        key[0] = key[0].toLower();
+    return key;
+}
+
+QString AppCommands::notification(Command command)
+{
+    return QStringLiteral("zelon.command.") + name(command);
+}
+
+std::optional<AppCommands::Command> AppCommands::fromName(const QString &name)
+{
+    for (const Command command : all())
+        if (AppCommands::name(command) == name)
+            return command;
+    return std::nullopt;
+}
+
+void AppCommands::post(Command command, const QString &text)
+{
+    emit posted(command, text);
 }
 
 } // namespace orvel

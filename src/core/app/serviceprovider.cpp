@@ -14,7 +14,7 @@ bool ServiceProvider::addToOrvel(const QString &text)
     if (word.isEmpty())
         return false;
     emit activationRequested();
-    m_commands.post(AppCommand::quickAdd, word);
+    m_commands.post(AppCommand::QuickAdd, word);
     return true;
 }
 

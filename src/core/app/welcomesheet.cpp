@@ -24,7 +24,7 @@ void WelcomeSheet::markShown()
 void WelcomeSheet::openManual()
 {
     markShown();
-    AppCommands::shared().post(AppCommand::manual);
+    AppCommands::shared().post(AppCommand::Manual);
 }
 
 void WelcomeSheet::later()
@@ -35,7 +35,7 @@ void WelcomeSheet::later()
 void WelcomeSheet::startDeck()
 {
     markShown();
-    AppCommands::shared().post(AppCommand::newDeck);
+    AppCommands::shared().post(AppCommand::NewDeck);
 }
 
 } // namespace orvel

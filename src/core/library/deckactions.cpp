@@ -48,7 +48,7 @@ void DeckActions::study(int deckId)
 {
     if (!m_shelf.deckById(deckId))
         return;
-    AppCommands::shared().post(AppCommand::study, studyText({deckId}));
+    AppCommands::shared().post(AppCommand::Study, studyText({deckId}));
 }
 
 QString DeckActions::studyButtonText(const QString &keyName) const

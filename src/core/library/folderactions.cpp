@@ -177,7 +177,7 @@ bool FolderActions::studyAll(int folderId)
     const QList<int> ids = studyAllDecks(folderId);
     if (ids.isEmpty())
         return false;
-    AppCommands::shared().post(AppCommand::study, DeckActions::studyText(ids));
+    AppCommands::shared().post(AppCommand::Study, DeckActions::studyText(ids));
     return true;
 }
 

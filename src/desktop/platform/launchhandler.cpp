@@ -50,7 +50,7 @@ void LaunchHandler::handle(const LaunchRequest &request, bool fromAnotherProcess
     }
     if (request.newDeck) {
         activate();
-        AppCommands::shared().post(AppCommand::newDeck);
+        AppCommands::shared().post(AppCommand::NewDeck);
     }
     if (fromAnotherProcess && !request.carriesWork())
         activate();

@@ -3,7 +3,8 @@ import QtQuick.Controls
 import Orvel
 import Orvel.Core
 
-// The main menu. "New" commands are posted to whichever screen can act on them.
+// The main menu. "New" commands are posted to whichever screen can act on them. A command
+// appears here only once a screen acts on it (notes and the manual are still to come).
 MenuBar {
     id: bar
 
@@ -35,19 +36,13 @@ MenuBar {
             text: "New Deck"
             shortcut: "Ctrl+N"
             enabled: bar.signedIn && !bar.studying
-            onTriggered: AppCommands.post("newDeck")
-        }
-        Action {
-            text: "New Note"
-            shortcut: "Ctrl+Shift+N"
-            enabled: bar.signedIn && !bar.studying
-            onTriggered: AppCommands.post("newNote")
+            onTriggered: AppCommands.post(AppCommands.NewDeck)
         }
         Action {
             text: "New Folder"
             shortcut: "Ctrl+Alt+N"
             enabled: bar.signedIn && !bar.studying
-            onTriggered: AppCommands.post("newFolder")
+            onTriggered: AppCommands.post(AppCommands.NewFolder)
         }
         MenuSeparator {}
         Action {
@@ -61,15 +56,6 @@ MenuBar {
             text: "Quit"
             shortcut: "Ctrl+Q"
             onTriggered: bar.quitRequested()
-        }
-    }
-    Menu {
-        title: "&Help"
-
-        Action {
-            text: "Orvel Manual"
-            shortcut: "F1"
-            onTriggered: AppCommands.post("manual")
         }
     }
 }

@@ -293,7 +293,7 @@ private slots:
         QSignalSpy posted(&AppCommands::shared(), &AppCommands::posted);
         home->deckActions()->study(1);
         QCOMPARE(posted.count(), 1);
-        QCOMPARE(posted[0][0].value<AppCommand>(), AppCommand::study);
+        QCOMPARE(posted[0][0].value<AppCommand>(), AppCommand::Study);
         QCOMPARE(posted[0][1].toString(), QStringLiteral("1"));
 
         // Folder 10 holds deck 3 (64 cards); folder 20 holds only deck 4, which has none.

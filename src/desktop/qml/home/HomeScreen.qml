@@ -127,8 +127,8 @@ Rectangle {
     }
     Connections {
         target: AppCommands
-        function onNotified(notification, text) {
-            if (notification === "zelon.command.quickAdd")
+        function onPosted(command, text) {
+            if (command === AppCommands.QuickAdd)
                 quickAdd.openWith(text)
         }
     }

@@ -156,10 +156,10 @@ Item {
     // The menu's "New Deck" and "New Folder".
     Connections {
         target: AppCommands
-        function onNotified(notification, text) {
-            if (notification === "zelon.command.newDeck")
+        function onPosted(command, text) {
+            if (command === AppCommands.NewDeck)
                 newDeckDialog.open()
-            else if (notification === "zelon.command.newFolder" && shelf.home)
+            else if (command === AppCommands.NewFolder && shelf.home)
                 shelf.home.folderActions.requestNewFolder(0)
         }
     }

@@ -19,8 +19,8 @@ StudyScreen {
 
     Connections {
         target: AppCommands
-        function onNotified(notification, text) {
-            if (notification !== "zelon.command.study" || !AppState.signedIn)
+        function onPosted(command, text) {
+            if (command !== AppCommands.Study || !AppState.signedIn)
                 return
             if (overlay.study.studyDecks(text))
                 overlay.visible = true
