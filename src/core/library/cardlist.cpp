@@ -1,6 +1,7 @@
 #include "library/cardlist.h"
 
 #include "app/services.h"
+#include "library/cardchanges.h"
 #include "library/cardkinds.h"
 #include "server/apiclient.h"
 
@@ -27,7 +28,10 @@ CardFilter::Learned filterChoice(CardList::LearnedFilter learned)
 CardList::CardList(QObject *parent)
     : QAbstractListModel(parent), m_api(Services::current().api()),
       m_calls(this, &CardList::loadingChanged, &CardList::troubleChanged)
-{}
+{
+    // A card answered in a study session (or changed anywhere else) shows its new counts here.
+    connect(&CardChanges::shared(), &CardChanges::changed, this, &CardList::replaceCard);
+}
 
 int CardList::rowCount(const QModelIndex &parent) const
 {

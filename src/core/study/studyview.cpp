@@ -11,6 +11,7 @@
 #include <QPointer>
 
 #include "app/services.h"
+#include "library/cardchanges.h"
 
 namespace orvel {
 
@@ -19,11 +20,6 @@ StudyView::StudyView(QObject *parent)
 {}
 
 StudyView::~StudyView() = default;
-
-void StudyView::setReviewed(std::function<void(const Card &)> reviewed)
-{
-    m_reviewed = std::move(reviewed);
-}
 
 void StudyView::start(const DeckSummary &deck, const QList<Card> &cards)
 {
@@ -182,16 +178,10 @@ void StudyView::answer(bool known)
 
 QCoro::Task<> StudyView::sendReview(Card card, bool known)
 {
-    // The opener's callback is held by this task, not read from the view, so a reply that
-    // arrives after the session was closed still reaches the opener's list.
-    const std::function<void(const Card &)> reviewed = m_reviewed;
-    QPointer self(this);
+    // The reply goes to the card lists through the notice board, not through this view, so it
+    // arrives there even after the session was closed.
     try {
-        const Card updated = co_await m_api.review(card.id, known);
-        if (reviewed)
-            reviewed(updated);
-        if (self)
-            emit self->reviewed(updated);
+        CardChanges::shared().announce(co_await m_api.review(card.id, known));
     } catch (const ServerError &) {
         // The answer stays in the tally; the server's counts stay as they were.
     }

@@ -79,9 +79,6 @@ public:
     // Loads the cards of every deck filed in `folder` (out of `decks`), then starts.
     Q_INVOKABLE void studyFolder(const orvel::Folder &folder,
                                  const QList<orvel::DeckSummary> &decks);
-    // Called with every card the server returns after an answer, also after the session moved
-    // on or was closed. The reviewed() signal carries the same while the view exists.
-    void setReviewed(std::function<void(const Card &)> reviewed);
 
     // The three moves: turn the card over (space); answer (2 knew it, 1 didn't); step without
     // answering (left -1, right +1).
@@ -138,7 +135,6 @@ signals:
     void listeningChanged();
     // The session wants the keyboard (after it starts and after each answer).
     void wantsKeys();
-    void reviewed(const orvel::Card &card);
 
 private:
     void begin(const QString &title, const QList<Card> &cards, const QHash<int, QString> &languages,
@@ -153,7 +149,6 @@ private:
 
     APIClient &m_api;
     Speech &m_speech;
-    std::function<void(const Card &)> m_reviewed;
     QString m_title;
     QList<Card> m_queue;
     QHash<int, QString> m_languages;

@@ -63,15 +63,6 @@ ApplicationWindow {
         anchors.fill: parent
     }
 
-    // Each answer's new version of the card replaces the old one in the open deck's list.
-    Connections {
-        target: study.study
-        function onReviewed(card) {
-            if (screen.item && screen.item.view)
-                screen.item.view.cards.replaceCard(card)
-        }
-    }
-
     SettingsWindow {
         id: settings
 

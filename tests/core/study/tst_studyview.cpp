@@ -1,4 +1,5 @@
 // The study session's moves, tally and background reviews, against a scripted server.
+#include "library/cardchanges.h"
 #include "records/json.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
@@ -117,7 +118,9 @@ private slots:
         const QList<Card> cards{card(1, "Hund", 1, 2, 2, 2), card(2, "Katze"), card(3, "Maus")};
         answerReviews(cards);
         QList<Card> handed;
-        m_view->setReviewed([&handed](const Card &c) { handed.append(c); });
+        QObject listener; // the card lists' side of the notice board
+        connect(&CardChanges::shared(), &CardChanges::changed, &listener,
+                [&handed](const Card &c) { handed.append(c); });
         QSignalSpy keys(m_view.get(), &StudyView::wantsKeys);
         m_view->start(deck(1, "Deutsch", "de"), cards);
         QCOMPARE(m_view->title(), QStringLiteral("Deutsch"));
@@ -215,7 +218,9 @@ private slots:
     {
         m_server->reply("POST", "/api/cards/1/review", 500, R"({"error":"down"})");
         QList<Card> handed;
-        m_view->setReviewed([&handed](const Card &c) { handed.append(c); });
+        QObject listener; // the card lists' side of the notice board
+        connect(&CardChanges::shared(), &CardChanges::changed, &listener,
+                [&handed](const Card &c) { handed.append(c); });
         m_view->start(deck(1, "Deutsch", "de"), {card(1, "Hund")});
         m_view->flip();
         m_view->answer(true);
@@ -232,7 +237,9 @@ private slots:
                          {{json::encode(card(1, "Hund", 1, 1, 1, 1)), 200}}, 200,
                          "application/json");
         QList<Card> handed;
-        m_view->setReviewed([&handed](const Card &c) { handed.append(c); });
+        QObject listener; // the card lists' side of the notice board
+        connect(&CardChanges::shared(), &CardChanges::changed, &listener,
+                [&handed](const Card &c) { handed.append(c); });
         m_view->start(deck(1, "Deutsch", "de"), {card(1, "Hund")});
         m_view->flip();
         m_view->answer(true);

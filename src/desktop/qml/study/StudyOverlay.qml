@@ -4,8 +4,8 @@ import Orvel.Core
 
 // The study session over the whole window. The study command (Ctrl+R, a deck's study button,
 // "Study All Decks") carries the ids of the decks to study; this opens a session over them and
-// closes again on "Close" or Escape. It stays alive while hidden, so the replies to answers
-// still reach `reviewed` after the session was closed.
+// closes again on "Close" or Escape. Answers reach the card lists from C++, also after the
+// session closed.
 StudyScreen {
     id: overlay
 

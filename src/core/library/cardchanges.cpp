@@ -1,0 +1,11 @@
+#include "library/cardchanges.h"
+
+namespace orvel {
+
+CardChanges &CardChanges::shared()
+{
+    static CardChanges changes;
+    return changes;
+}
+
+} // namespace orvel
