@@ -1,7 +1,7 @@
 #include "appstate.h"
 
 #include "app/services.h"
-#include "app/settingskeys.h"
+#include "server/settingskeys.h"
 #include "app/skins.h"
 #include "app/soundcontrols.h"
 #include "server/apiclient.h"

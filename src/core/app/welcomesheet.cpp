@@ -1,7 +1,7 @@
 #include "welcomesheet.h"
 
 #include "app/appcommands.h"
-#include "app/settingskeys.h"
+#include "server/settingskeys.h"
 #include "server/localsettings.h"
 
 namespace orvel {

@@ -1,7 +1,7 @@
 #include "library/shelf.h"
 
 #include "app/services.h"
-#include "app/settingskeys.h"
+#include "server/settingskeys.h"
 #include "library/shelflisting.h"
 #include "library/shelftexts.h"
 #include "library/shutfolders.h"

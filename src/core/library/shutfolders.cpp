@@ -1,6 +1,6 @@
 #include "library/shutfolders.h"
 
-#include "app/settingskeys.h"
+#include "server/settingskeys.h"
 #include "server/localsettings.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "apiclient.h"
 
-#include "app/settingskeys.h"
+#include "server/settingskeys.h"
 #include "localsettings.h"
 #include "persistentcookiejar.h"
 

@@ -1,6 +1,6 @@
 #include "windowmemory.h"
 
-#include "app/settingskeys.h"
+#include "server/settingskeys.h"
 #include "windowplacement.h"
 
 #include <QGuiApplication>

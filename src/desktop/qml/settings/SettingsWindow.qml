@@ -95,8 +95,8 @@ ApplicationWindow {
             Layout.fillHeight: true
             currentIndex: window.pane
 
-            LookPane {}
-            AccountPaneView {}
+            LookPage {}
+            AccountPage {}
         }
     }
 }
