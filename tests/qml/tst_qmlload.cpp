@@ -132,6 +132,11 @@ private slots:
             if (file.endsWith(QLatin1String("/ShelfRow.qml"))) // a delegate: the model's roles
                 initial = {{"kind", "deck"}, {"rowId", 3},    {"name", "Deutsch"}, {"count", 12},
                            {"depth", 1},     {"open", false}, {"shortcut", 1}};
+            if (file.endsWith(QLatin1String("/CardRow.qml")))
+                initial = {{"cardId", 7},
+                           {"term", "der Hund"},
+                           {"translation", "the dog"},
+                           {"badge", "noun"}};
             // Items go into a window, as they would in the app, so that popups have one.
             QQuickWindow window;
             std::unique_ptr<QObject> object(component.beginCreate(engine.rootContext()));

@@ -243,79 +243,10 @@ Rectangle {
                         column.cards.selectedCardId = column.cards.cardIdAt(row)
                 }
 
-                delegate: Rectangle {
-                    id: cardRow
-
-                    required property int index
-                    required property int cardId
-                    required property string term
-                    required property string translation
-                    required property string badge
-
-                    readonly property bool chosen: column.cards !== null
-                                                   && column.cards.selectedCardId === cardId
-
-                    width: ListView.view.width
-                    implicitHeight: Math.round(52 * Theme.scale)
-                    radius: Theme.controlRadius
-                    color: chosen ? Theme.accentWash
-                         : rowHover.hovered ? Qt.rgba(0, 0, 0, Theme.dark ? 0.18 : 0.04)
-                         : "transparent"
-                    Accessible.role: Accessible.ListItem
-                    Accessible.name: term + ", " + translation
-                    Accessible.selected: chosen
-
-                    ColumnLayout {
-                        anchors.left: parent.left
-                        anchors.right: badgeChip.left
-                        anchors.verticalCenter: parent.verticalCenter
-                        anchors.leftMargin: Theme.m
-                        anchors.rightMargin: Theme.s
-                        spacing: 0
-
-                        OLabel {
-                            Layout.fillWidth: true
-                            elide: Text.ElideRight
-                            text: cardRow.term
-                            font.family: Theme.displayFamily
-                            font.pixelSize: Math.round(17 * Theme.scale)
-                        }
-                        OLabel {
-                            Layout.fillWidth: true
-                            elide: Text.ElideRight
-                            text: cardRow.translation
-                            color: Theme.secondaryText
-                            font.pixelSize: Theme.secondary
-                        }
-                    }
-                    Rectangle {
-                        id: badgeChip
-                        anchors.right: parent.right
-                        anchors.rightMargin: Theme.m
-                        anchors.verticalCenter: parent.verticalCenter
-                        visible: cardRow.badge !== ""
-                        width: visible ? badgeText.implicitWidth + Theme.m : 0
-                        height: badgeText.implicitHeight + Theme.xs
-                        radius: height / 2
-                        color: Theme.sidebar
-
-                        OLabel {
-                            id: badgeText
-                            anchors.centerIn: parent
-                            text: cardRow.badge
-                            color: Theme.secondaryText
-                            font.pixelSize: Math.round(11 * Theme.scale)
-                        }
-                    }
-                    HoverHandler {
-                        id: rowHover
-                    }
-                    TapHandler {
-                        onTapped: {
-                            column.cards.selectedCardId = cardRow.cardId
-                            list.forceActiveFocus()
-                        }
-                    }
+                delegate: CardRow {
+                    width: list.width
+                    cards: column.cards
+                    onPicked: list.forceActiveFocus()
                 }
             }
         }
