@@ -2,6 +2,7 @@
 #include "records/json.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
+#include "settledreplies.h"
 #include "sound/audiooutput.h"
 #include "sound/speech.h"
 #include "study/studyview.h"
@@ -214,23 +215,22 @@ private slots:
     void aFailedReviewKeepsTheAnswer()
     {
         m_server->reply("POST", "/api/cards/1/review", 500, R"({"error":"down"})");
+        SettledReplies replies(m_api->network());
         QList<Card> handed;
         m_view->setReviewed([&handed](const Card &c) { handed.append(c); });
         m_view->start(deck(1, "Deutsch", "de"), {card(1, "Hund")});
         m_view->flip();
         m_view->answer(true);
         QCOMPARE(m_view->tally(), QStringLiteral("1 right, 0 to come back to"));
-        QVERIFY(QTest::qWaitFor([&] { return m_server->requestCount() >= 2; }));
-        QTest::qWait(50);
+        QVERIFY(replies.waitFor(2)); // the settings and the review
         QVERIFY(handed.isEmpty());
         QCOMPARE(m_view->state(), StudyView::State::Done);
     }
 
     void repliesReachTheOpenerAfterTheSessionIsGone()
     {
-        m_server->stream("POST", "/api/cards/1/review",
-                         {{json::encode(card(1, "Hund", 1, 1, 1, 1)), 200}}, 200,
-                         "application/json");
+        m_server->reply("POST", "/api/cards/1/review", 200,
+                        json::encode(card(1, "Hund", 1, 1, 1, 1)));
         QList<Card> handed;
         m_view->setReviewed([&handed](const Card &c) { handed.append(c); });
         m_view->start(deck(1, "Deutsch", "de"), {card(1, "Hund")});
@@ -266,9 +266,9 @@ private slots:
     void withoutHearOnFlipNothingIsSpoken()
     {
         m_server->reply("GET", "/api/settings", 500, R"({"error":"down"})");
+        SettledReplies replies(m_api->network());
         m_view->start(deck(1, "Deutsch", "de"), {card(1, "Hund")});
-        QVERIFY(QTest::qWaitFor([&] { return m_server->requestCount() == 1; }));
-        QTest::qWait(30);
+        QVERIFY(replies.waitFor(1));
         m_view->flip();
         QVERIFY(m_speech->saying().isEmpty());
         QVERIFY(!m_view->hearOnFlip());

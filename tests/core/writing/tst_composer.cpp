@@ -9,6 +9,7 @@
 #include "writing/composer.h"
 #include "writing/writingsheet.h"
 
+#include <QAbstractItemModelTester>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -71,20 +72,21 @@ private slots:
     {
         ScriptedServer server;
         // Keys in any order, unknown keys, an unknown field and an unknown event type.
-        server.stream(
-            "POST", "/api/decks/12/cards",
-            {{data(R"({"value":"der Hund","field":"term","type":"progress"})"), 10},
-             {data(R"({"type":"progress","field":"gender","value":"der","extra":1})"), 20},
-             {data(R"({"type":"progress","field":"translation","value":"dog"})"), 20},
-             {data(R"({"count":2,"type":"progress","field":"examples"})"), 20},
-             {data(R"({"type":"progress","field":"related","count":4})"), 10},
-             {data(R"({"type":"thinking","about":"dogs"})"), 10},
-             {data(R"({"type":"progress","field":"usage_notes","value":"common"})"), 20},
-             {data(R"({"type":"card","card":)" + cardJson(5, "Hund") + "}"), 20}});
+        server.stream("POST", "/api/decks/12/cards",
+                      {{data(R"({"value":"der Hund","field":"term","type":"progress"})")},
+                       {data(R"({"type":"progress","field":"gender","value":"der","extra":1})")},
+                       {data(R"({"type":"progress","field":"translation","value":"dog"})")},
+                       {data(R"({"count":2,"type":"progress","field":"examples"})")},
+                       {data(R"({"type":"progress","field":"related","count":4})")},
+                       {data(R"({"type":"thinking","about":"dogs"})")},
+                       {data(R"({"type":"progress","field":"usage_notes","value":"common"})")},
+                       {data(R"({"type":"card","card":)" + cardJson(5, "Hund") + "}")}});
         auto api = client(server);
         testsupport::TestServices services(*api);
         Composer composer;
         composer.setDeckId(12);
+        QAbstractItemModelTester tester(composer.progress(),
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
 
         // What the view model shows, row by row, as each change arrives.
         QStringList seen;
@@ -106,9 +108,7 @@ private slots:
         QVERIFY(composer.hasWriting());
         QVERIFY(composer.showsWriting());
         QCOMPARE(composer.writing()->input, QStringLiteral("Hund"));
-        QVERIFY(!composer.writing()->id.isEmpty());
         QCOMPARE(composer.progress()->filledCount(), 0);
-        QCOMPARE(composer.progress()->heading(), QStringLiteral("WRITING"));
         QVERIFY(settle(composer));
 
         QCOMPARE(bodyOf(server.lastRequest()), (QJsonObject{{"input", "Hund"}}));
@@ -116,14 +116,7 @@ private slots:
                                     "USAGE=common"}));
         QCOMPARE(narrated, (QStringList{"term: der Hund", "gender: der", "translation: dog",
                                         "examples: 2", "related: 4", "usage_notes: common"}));
-        const Writing writing = *composer.writing();
-        QCOMPARE(writing.term, QStringLiteral("der Hund"));
-        QCOMPARE(writing.translation, QStringLiteral("dog"));
-        QCOMPARE(writing.definition, QString());
-        QCOMPARE(writing.usage, QStringLiteral("common"));
-        QCOMPARE(writing.examples, 2);
-        QCOMPARE(writing.conjugations, 0);
-        QVERIFY(!writing.trouble);
+        QVERIFY(!composer.writing()->trouble);
         QCOMPARE(written.size(), 1);
         QCOMPARE(written[0][0].value<Card>().id, 5);
         QCOMPARE(composer.refused(), QString());
@@ -138,8 +131,8 @@ private slots:
     {
         ScriptedServer server;
         server.stream("POST", "/api/decks/12/cards",
-                      {{data(R"({"type":"progress","field":"translation","value":"dog"})"), 10},
-                       {data(R"({"error":"No such word in German.","type":"error"})"), 20}});
+                      {{data(R"({"type":"progress","field":"translation","value":"dog"})")},
+                       {data(R"({"error":"No such word in German.","type":"error"})")}});
         auto api = client(server);
         testsupport::TestServices services(*api);
         Composer composer;
@@ -151,15 +144,11 @@ private slots:
         QCOMPARE(composer.writing()->trouble, std::optional<QString>("No such word in German."));
         WritingSheet *sheet = composer.progress();
         QVERIFY(sheet->failed());
-        QCOMPARE(sheet->heading(), QStringLiteral("NOT WRITTEN"));
-        QCOMPARE(sheet->trouble(), QStringLiteral("No such word in German."));
-        QCOMPARE(sheet->data(sheet->index(1), WritingSheet::ValueRole).toString(),
-                 QStringLiteral("dog"));
-        QCOMPARE(sheet->filledCount(), 1);
+        QCOMPARE(sheet->filledCount(), 1); // the translation that came before
 
         // The next attempt clears the refusal and starts a fresh record.
         server.stream("POST", "/api/decks/12/cards",
-                      {{data(R"({"type":"card","card":)" + cardJson(6, "Hund") + "}"), 10}});
+                      {{data(R"({"type":"card","card":)" + cardJson(6, "Hund") + "}")}});
         composer.setInput(QStringLiteral("Hund"));
         composer.add();
         QCOMPARE(composer.refused(), QString());
@@ -187,8 +176,8 @@ private slots:
         if (cut) {
             server.streamThenCut(
                 "POST", "/api/decks/12/cards",
-                {{data(R"({"type":"progress","field":"term","value":"der Hund"})"), 10},
-                 {"data: {\"type\":\"progr", 30}});
+                {{data(R"({"type":"progress","field":"term","value":"der Hund"})")},
+                 {"data: {\"type\":\"progr"}});
         } else {
             server.reply("POST", "/api/decks/12/cards", status,
                          status == 404 ? R"({"error":"No such deck."})" : "");
@@ -214,8 +203,8 @@ private slots:
     {
         ScriptedServer server;
         server.stream("POST", "/api/decks/12/cards",
-                      {{data(R"({"type":"progress","field":"term","value":"x"})"), 80},
-                       {data(R"({"type":"card","card":)" + cardJson(7, "x") + "}"), 10}});
+                      {{data(R"({"type":"progress","field":"term","value":"x"})")},
+                       {data(R"({"type":"card","card":)" + cardJson(7, "x") + "}")}});
         auto api = client(server);
         testsupport::TestServices services(*api);
         Composer composer;
@@ -251,13 +240,15 @@ private slots:
         auto api = client(server);
         testsupport::TestServices services(*api);
         CardList list;
+        QAbstractItemModelTester tester(&list,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
         testsupport::await(list.load(12));
         Composer composer;
         composer.setDeckId(12);
         composer.setCards(&list);
         for (const auto &[id, term] : {std::pair{5, QByteArray("Hund")}, {6, "Katze"}}) {
             server.stream("POST", "/api/decks/12/cards",
-                          {{data(R"({"type":"card","card":)" + cardJson(id, term) + "}"), 10}});
+                          {{data(R"({"type":"card","card":)" + cardJson(id, term) + "}")}});
             composer.setInput(QString::fromUtf8(term));
             composer.add();
             QVERIFY(settle(composer));
@@ -268,31 +259,12 @@ private slots:
         QCOMPARE(list.cardAt(2).id, 1);
     }
 
-    void theLearnersPreferencesAreReadAgainWhenTheStreamEnds()
-    {
-        ScriptedServer server;
-        server.reply("GET", "/api/settings", 200,
-                     R"({"voices":{},"rate":1.0,"gain":0,"hear_on_flip":false,"skin":"paper",
-                         "margin_as_you_go":false})");
-        server.stream("POST", "/api/decks/12/cards",
-                      {{data(R"({"type":"progress","field":"term","value":"x"})"), 30}});
-        auto api = client(server);
-        testsupport::TestServices services(*api);
-        Composer composer;
-        composer.setDeckId(12);
-        composer.setInput(QStringLiteral("Hund"));
-        composer.add();
-        QCOMPARE(countOf(server, "GET", "/api/settings"), 0);
-        QVERIFY(settle(composer));
-        QVERIFY(QTest::qWaitFor([&] { return countOf(server, "GET", "/api/settings") == 1; }));
-    }
-
     void closingTheViewLeavesTheWritingGoing()
     {
         ScriptedServer server;
         server.stream("POST", "/api/decks/12/cards",
-                      {{data(R"({"type":"progress","field":"term","value":"x"})"), 40},
-                       {data(R"({"type":"card","card":)" + cardJson(8, "x") + "}"), 40}});
+                      {{data(R"({"type":"progress","field":"term","value":"x"})")},
+                       {data(R"({"type":"card","card":)" + cardJson(8, "x") + "}")}});
         auto api = client(server);
         testsupport::TestServices services(*api);
         Composer composer;
