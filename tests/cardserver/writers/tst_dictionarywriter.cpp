@@ -1,3 +1,4 @@
+#include "skipunlessci.h"
 #include "writers/dictionarywriter.h"
 
 #include <QFile>
@@ -42,7 +43,8 @@ private slots:
     void initTestCase()
     {
         if (!installed("deu-eng") || !installed("fra-eng") || !installed("spa-eng"))
-            QSKIP("the FreeDict dictionaries are not installed");
+            ORVEL_SKIP_UNLESS_CI("the FreeDict dictionaries (dict-freedict-deu-eng, -fra-eng and "
+                                 "-spa-eng) are not installed");
     }
 
     void writesHundWithEveryFieldInOrder()

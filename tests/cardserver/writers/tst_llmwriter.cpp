@@ -3,7 +3,9 @@
 #include "writers/writerfactory.h"
 
 #include <atomic>
+#include <condition_variable>
 #include <httplib.h>
+#include <mutex>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QtTest>
@@ -14,16 +16,18 @@ using namespace cardserver;
 namespace {
 
 // A chat-completions endpoint that streams a scripted answer as server-sent events, a few
-// characters per event with a pause between them, and remembers what it was sent.
+// characters per event, and remembers what it was sent. It can hold the answer back at a
+// character (or before answering at all) until the test releases it, so a test sees what the
+// writer reported before the rest was sent.
 class ScriptedModel {
 public:
     std::string answer; // the JSON text the "model" writes
     int status = 200;   // a non-2xx status answers with errorBody instead
     std::string errorBody;
     int pieceSize = 7;
-    int pauseMs = 5;
-    int stallMs = 0;          // sleep before answering at all
-    std::atomic<int> sent{0}; // pieces written so far
+    size_t holdAt = std::string::npos; // the pieces from this character on wait for release()
+    bool stall = false;                // nothing at all is answered before release()
+    std::atomic<int> sent{0};          // pieces written so far
     int pieces = 0;
     QJsonObject request;
     std::string authorization;
@@ -35,8 +39,8 @@ public:
             request = QJsonDocument::fromJson(QByteArray::fromStdString(req.body)).object();
             authorization = req.get_header_value("Authorization");
             path = req.path;
-            if (stallMs)
-                std::this_thread::sleep_for(std::chrono::milliseconds(stallMs));
+            if (stall && !waitForRelease())
+                return;
             if (status != 200) {
                 res.status = status;
                 res.set_content(errorBody, "application/json");
@@ -47,6 +51,8 @@ public:
             res.set_chunked_content_provider("text/event-stream", [this](size_t,
                                                                          httplib::DataSink &sink) {
                 for (size_t at = 0; at < answer.size(); at += pieceSize) {
+                    if (at >= holdAt && at < holdAt + pieceSize && !waitForRelease())
+                        return false;
                     const QJsonObject chunk{
                         {"choices",
                          QJsonArray{QJsonObject{
@@ -57,7 +63,6 @@ public:
                         QJsonDocument(chunk).toJson(QJsonDocument::Compact).toStdString() + "\n\n";
                     sink.write(event.data(), event.size());
                     ++sent;
-                    std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs));
                 }
                 sink.write("data: [DONE]\n\n", 14);
                 sink.done();
@@ -67,20 +72,42 @@ public:
         server.set_keep_alive_timeout(1);
         port = server.bind_to_any_port("127.0.0.1");
         thread = std::thread([this] { server.listen_after_bind(); });
-        while (!server.is_running())
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!server.is_running() && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::yield();
     }
     ~ScriptedModel()
     {
+        release();
         server.stop();
         thread.join();
     }
     QString base() const { return QStringLiteral("http://127.0.0.1:%1/v1").arg(port); }
+    // The pieces written before the answer was held.
+    int sentBeforeHold() const { return int((holdAt + pieceSize - 1) / pieceSize); }
+    void release()
+    {
+        {
+            std::lock_guard guard(lock);
+            released = true;
+        }
+        wake.notify_all();
+    }
 
 private:
+    // False when no release came within half a minute.
+    bool waitForRelease()
+    {
+        std::unique_lock held(lock);
+        return wake.wait_for(held, std::chrono::seconds(30), [this] { return released; });
+    }
+
     httplib::Server server;
     std::thread thread;
     int port = 0;
+    std::mutex lock;
+    std::condition_variable wake;
+    bool released = false;
 };
 
 const Languages kGerman{"de", "en"};
@@ -144,6 +171,8 @@ private slots:
     {
         ScriptedModel model;
         model.answer = kCard;
+        // The examples are held back until the definition has been reported.
+        model.holdAt = model.answer.find("\"examples\"");
         LlmWriter writer(model.base(), "test-model", "secret");
         QStringList order;
         QList<int> sentAt; // pieces sent when each field was reported
@@ -152,6 +181,8 @@ private slots:
                                                   {[&](const QString &f, const QString &) {
                                                        order.append(f);
                                                        sentAt.append(model.sent);
+                                                       if (f == "definition")
+                                                           model.release();
                                                    },
                                                    [&](const QString &f, int n) {
                                                        order.append(f);
@@ -160,8 +191,9 @@ private slots:
                                                    }});
         QCOMPARE(order, (QStringList{"term", "reading", "part_of_speech", "gender", "translation",
                                      "definition", "examples", "related", "conjugations"}));
-        QVERIFY2(sentAt.first() < model.pieces / 4, "the term came only at the end");
-        QVERIFY(sentAt[4] < sentAt[6]); // translation before the examples were written
+        const int held = model.sentBeforeHold();
+        QCOMPARE(sentAt.mid(0, 6), QList<int>(6, held)); // each as soon as it was there
+        QVERIFY(sentAt[6] > held);
         QCOMPARE(counts["examples"], 2);
         QCOMPARE(counts["related"], 1);
         QCOMPARE(counts["conjugations"], 0);
@@ -212,9 +244,10 @@ private slots:
 
         model.status = 200;
         model.answer = kCard;
-        model.stallMs = 2500;
+        model.stall = true; // answers nothing until the writer has given up
         writer.setTimeout(1);
         expect503("unavailable");
+        model.release();
 
         LlmWriter nowhere("http://127.0.0.1:1/v1", "m", "");
         QVERIFY_THROWS_EXCEPTION(WriterError, nowhere.writeCard(kGerman, "Hund", {}));
@@ -228,6 +261,7 @@ private slots:
             "sentence": "Die Hunde bellen.", "level": "common"},
             {"term": "bellen", "gloss": "bark", "sentence": "Die Hunde bellen.", "level": "common"},
             {"term": "hund", "gloss": "dog again"}]})";
+        model.holdAt = model.answer.find("{\"term\": \"bellen\"");
         LlmWriter writer(model.base(), "m", "");
         QList<int> sentAt;
         QList<QJsonObject> words;
@@ -235,10 +269,11 @@ private slots:
             writer.extract(kGerman, "Die Hunde bellen.", [&](const QJsonObject &c) {
                 words.append(c);
                 sentAt.append(model.sent);
+                model.release();
             });
         QCOMPARE(all.size(), 2); // "hund" again is a duplicate
         QCOMPARE(words.size(), 2);
-        QVERIFY(sentAt[0] < model.pieces - 5);
+        QCOMPARE(sentAt[0], model.sentBeforeHold()); // the first word before the rest was sent
         QCOMPARE(words[0]["seen_as"].toString(), "Hunde");
         QCOMPARE(words[1]["seen_as"].toString(), "bellen"); // missing: the term itself
     }
