@@ -81,14 +81,11 @@ private slots:
         QFETCH(int, height);
         const Api::Reply r = api->postRaw("/api/media", bytes, type.constData());
         QCOMPARE(r.status, 201);
-        const QJsonObject media = r.object();
-        QCOMPARE(media.value("width").toInt(), width);
-        QCOMPARE(media.value("height").toInt(), height);
-        QCOMPARE(media.value("origin").toString(), QStringLiteral("upload"));
-        for (const char *key : {"id", "url", "source_url", "author", "licence", "title"})
-            QVERIFY2(media.contains(key), key);
-        const QString url = media.value("url").toString();
-        QVERIFY(url.startsWith(QStringLiteral("/media/%1/").arg(media.value("id").toInteger())));
+        QCOMPARE(r["width"].toInt(), width);
+        QCOMPARE(r["height"].toInt(), height);
+        QCOMPARE(r["origin"].toString(), QStringLiteral("upload"));
+        const QString url = r["url"].toString();
+        QVERIFY(url.startsWith(path("/media/%1/", r.id())));
 
         // Served back as stored, to anyone who has the address.
         Api anyone(server.baseUrl());
@@ -137,10 +134,10 @@ private slots:
                                                        {"source_url", origin + "/page.html"}});
         QCOMPARE(imported.status, 201);
         const QJsonObject media = imported.object();
-        QCOMPARE(media.value("width").toInt(), 50);
-        QCOMPARE(media.value("author").toString(), QStringLiteral("Mia"));
-        QCOMPARE(media.value("licence").toString(), QStringLiteral("CC BY 4.0"));
-        QCOMPARE(api->get(media.value("url").toString()).body, picture);
+        QCOMPARE(media["width"].toInt(), 50);
+        QCOMPARE(media["author"].toString(), QStringLiteral("Mia"));
+        QCOMPARE(media["licence"].toString(), QStringLiteral("CC BY 4.0"));
+        QCOMPARE(api->get(media["url"].toString()).body, picture);
 
         QCOMPARE(api->post("/api/media/import", QJsonObject{{"url", origin + "/page.html"}}).status,
                  415);
@@ -148,66 +145,40 @@ private slots:
             api->post("/api/media/import", QJsonObject{{"url", origin + "/missing.png"}}).status,
             422);
         // One's own picture comes back as it is.
-        const Api::Reply own =
-            api->post("/api/media/import", QJsonObject{{"url", media.value("url")}});
+        const Api::Reply own = api->post("/api/media/import", QJsonObject{{"url", media["url"]}});
         QCOMPARE(own.status, 200);
-        QCOMPARE(own.object().value("id"), media.value("id"));
+        QCOMPARE(own.id(), media["id"].toInteger());
         web.stop();
         serving.join();
 
-        const QJsonObject found =
-            api->get("/api/media/search?q=SCHLAFRIGE&deck=&kind=img").object();
-        QCOMPARE(found.value("query").toString(), QStringLiteral("SCHLAFRIGE"));
-        const QJsonArray results = found.value("results").toArray();
-        QCOMPARE(results.size(), 1);
-        QCOMPARE(results.first().toObject().value("url"), media.value("url"));
-        for (const char *key :
-             {"thumb", "width", "height", "title", "author", "licence", "source_url", "origin"})
-            QVERIFY2(results.first().toObject().contains(key), key);
-        const QJsonObject sources = found.value("sources").toObject();
-        QVERIFY(sources.contains("tenor") && sources.contains("giphy"));
-        QCOMPARE(api->get("/api/media/search?q=katze&kind=gif")
-                     .object()
-                     .value("results")
-                     .toArray()
-                     .size(),
-                 0);
+        const auto search = [&](const char *query) {
+            return api->get(QStringLiteral("/api/media/search?") + query)["results"].toArray();
+        };
+        const Api::Reply found = api->get("/api/media/search?q=SCHLAFRIGE&deck=&kind=img");
+        QCOMPARE(found["query"].toString(), QStringLiteral("SCHLAFRIGE"));
+        QCOMPARE(found["results"].toArray().size(), 1);
+        QCOMPARE(found["results"][0]["url"], media["url"]);
+        QVERIFY(found["sources"].toObject().contains("tenor"));
+        QVERIFY(found["sources"].toObject().contains("giphy"));
+        QCOMPARE(search("q=katze&kind=gif").size(), 0);
 
         // A picture placed on a note line is found by the line's words.
-        const qint64 deck = api->deck().value("id").toInteger();
-        const QJsonObject note = api->post(QStringLiteral("/api/decks/%1/notes").arg(deck),
-                                           QJsonObject{{"title", ""}, {"text", ""}})
-                                     .object();
-        const QJsonObject upload = api->postRaw("/api/media", gif(8, 8), "image/gif").object();
+        const QJsonObject note = api->note(api->deck()["id"].toInteger(), "", "");
+        const Api::Reply upload = api->postRaw("/api/media", gif(8, 8), "image/gif");
         const Api::Reply saved = api->patch(
-            QStringLiteral("/api/notes/%1").arg(note.value("id").toInteger()),
+            path("/api/notes/%1", note["id"].toInteger()),
             QJsonObject{{"title", ""},
                         {"lines", QJsonArray{QJsonObject{{"text", "der Regenschirm"},
-                                                         {"media_id", upload.value("id")},
+                                                         {"media_id", upload.id()},
                                                          {"source", ""},
                                                          {"kind", ""},
                                                          {"annotations", QJsonArray()}}}}});
-        QCOMPARE(saved.status, 200);
-        QCOMPARE(saved.object()
-                     .value("lines")
-                     .toArray()
-                     .first()
-                     .toObject()
-                     .value("media")
-                     .toObject()
-                     .value("url"),
-                 upload.value("url"));
-        const QJsonArray byLine =
-            api->get("/api/media/search?q=regenschirm").object().value("results").toArray();
+        QCOMPARE(saved["lines"][0]["media"]["url"], upload["url"]);
+        const QJsonArray byLine = search("q=regenschirm");
         QCOMPARE(byLine.size(), 1);
-        QCOMPARE(byLine.first().toObject().value("animated").toBool(), false);
+        QCOMPARE(byLine[0]["animated"].toBool(), false);
         // Only moving pictures answer a search for moving ones.
-        QCOMPARE(api->get("/api/media/search?q=regenschirm&kind=gif")
-                     .object()
-                     .value("results")
-                     .toArray()
-                     .size(),
-                 0);
+        QCOMPARE(search("q=regenschirm&kind=gif").size(), 0);
     }
 
     void movingPicturesFromProvidersWithKeys()
@@ -242,27 +213,21 @@ private slots:
         Api learner(keyed.baseUrl());
         learner.join("gifs@example.org");
 
-        const QJsonObject reply = learner.get("/api/media/search?q=happy%20cat&kind=gif").object();
-        QCOMPARE(reply.value("sources").toObject().value("giphy").toBool(), true);
-        QCOMPARE(reply.value("sources").toObject().value("tenor").toBool(), true);
-        const QJsonArray results = reply.value("results").toArray();
-        QCOMPARE(results.size(), 1);
-        const QJsonObject cat = results.first().toObject();
-        QCOMPARE(cat.value("url").toString(), QStringLiteral("https://media.example/cat.gif"));
-        QCOMPARE(cat.value("thumb").toString(),
-                 QStringLiteral("https://media.example/cat-small.gif"));
-        QCOMPARE(cat.value("width").toInt(), 480);
-        QCOMPARE(cat.value("author").toString(), QStringLiteral("mia"));
-        QCOMPARE(cat.value("origin").toString(), QStringLiteral("giphy"));
+        const Api::Reply reply = learner.get("/api/media/search?q=happy%20cat&kind=gif");
+        QCOMPARE(reply["sources"]["giphy"].toBool(), true);
+        QCOMPARE(reply["sources"]["tenor"].toBool(), true);
+        QCOMPARE(reply["results"].toArray().size(), 1);
+        const QJsonValue cat = reply["results"][0];
+        QCOMPARE(cat["url"].toString(), QStringLiteral("https://media.example/cat.gif"));
+        QCOMPARE(cat["thumb"].toString(), QStringLiteral("https://media.example/cat-small.gif"));
+        QCOMPARE(cat["width"].toInt(), 480);
+        QCOMPARE(cat["author"].toString(), QStringLiteral("mia"));
+        QCOMPARE(cat["origin"].toString(), QStringLiteral("giphy"));
         QCOMPARE(giphyQuery, std::string("happy cat"));
         QCOMPARE(tenorKey, std::string("tenor-key"));
         // Still pictures are not asked of the moving-picture providers.
         giphyQuery.clear();
-        QVERIFY(learner.get("/api/media/search?q=happy%20cat")
-                    .object()
-                    .value("results")
-                    .toArray()
-                    .isEmpty());
+        QVERIFY(learner.get("/api/media/search?q=happy%20cat")["results"].toArray().isEmpty());
         QVERIFY(giphyQuery.empty());
         providers.stop();
         serving.join();

@@ -47,10 +47,7 @@ private slots:
             << "orvel://signed-in?error=access_denied" << Outcome::failed("access_denied");
         QTest::newRow("empty code only") << "orvel://signed-in?code=" << incomplete;
         QTest::newRow("other items") << "orvel://signed-in?state=1" << incomplete;
-        QTest::newRow("empty error") << "orvel://signed-in?error=" << incomplete;
         QTest::newRow("no query") << "orvel://signed-in" << empty;
-        QTest::newRow("empty query") << "orvel://signed-in?" << empty;
-        QTest::newRow("no address") << "" << empty;
         QTest::newRow("unparsable") << "orvel://[::1" << empty;
     }
 
@@ -111,18 +108,10 @@ private slots:
         QCOMPARE(notified[0][0].toString(), QStringLiteral("zelon.command.quickAdd"));
     }
 
-    void commandsHaveTheirNames()
+    void commandsAreFoundByName()
     {
-        const QStringList expected{"zelon.command.newDeck",        "zelon.command.newNote",
-                                   "zelon.command.newFolder",      "zelon.command.study",
-                                   "zelon.command.findEverywhere", "zelon.command.quickAdd",
-                                   "zelon.command.palette",        "zelon.command.manual"};
-        QStringList names;
-        for (AppCommand command : allAppCommands()) {
-            names.append(appCommandNotification(command));
+        for (AppCommand command : allAppCommands())
             QCOMPARE(appCommandFromName(appCommandName(command)), std::optional(command));
-        }
-        QCOMPARE(names, expected);
 
         AppCommands commands(nullptr);
         QSignalSpy notified(&commands, &AppCommands::notified);
