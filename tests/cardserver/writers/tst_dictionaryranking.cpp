@@ -91,7 +91,6 @@ QString missing(const QString &language)
         .arg(kPairs.value(language), kFolder);
 }
 
-
 // A translation with a stylistic, regional or dated label, or a note on its form ("dawg":
 // "used to represent American speech").
 bool marked(const DictTranslation &t)
@@ -210,14 +209,8 @@ private slots:
     {
         if (const QString why = missing("de"); !why.isEmpty())
             ORVEL_SKIP_UNLESS_CI(why);
-        const WrittenCard hund = writer.writeCard({"de", "en"}, "Hund", {});
-        QCOMPARE(hund["translation"].toString(), "dog");
-        QVERIFY(hund["usage_notes"].toString() != "Zoology. Used to represent American speech.");
-        QVERIFY(!hund["usage_notes"].toString().contains("American speech"));
-        QVERIFY(hund["definition"].toString().contains("dawg (used to represent American speech)"));
-
+        // (Hund's "dawg" is checked with the rest of its card in tst_dictionarywriter.)
         const WrittenCard kind = writer.writeCard({"de", "en"}, "Kind", {});
-        QCOMPARE(kind["translation"].toString(), "child");
         QVERIFY2(kind["definition"].toString().contains("bairn (scottish, northern english)"),
                  qPrintable(kind["definition"].toString()));
         // A sense with a specialist label and examples loses to the everyday one without.

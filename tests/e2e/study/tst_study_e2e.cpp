@@ -78,7 +78,6 @@ private slots:
         view.studyDeck(deck);
         QVERIFY(QTest::qWaitFor([&] { return view.state() == StudyView::State::Front; }));
         QCOMPARE(view.count(), 3);
-        QCOMPARE(view.progress(), QStringLiteral("1 of 3"));
         QVERIFY(QTest::qWaitFor([&] { return view.hearOnFlip(); }));
 
         // Whether the server speaks at all (it says so in the settings).
@@ -98,8 +97,6 @@ private slots:
             }
             view.answer(known);
         }
-        QCOMPARE(view.state(), StudyView::State::Done);
-        QCOMPARE(view.tally(), QStringLiteral("2 right, 1 to come back to"));
         QVERIFY(QTest::qWaitFor([&] { return handed.size() == 3; }, 10000));
 
         const Deck after = await(api.deck(deck.id));
