@@ -2,10 +2,10 @@
 // chat-completions endpoint standing in for a language model, a lesson offered and kept as
 // note lines and cards.
 #include "api.h"
+#include "scriptedserver.h"
 
 #include <QJsonDocument>
 #include <QTest>
-#include <thread>
 
 namespace {
 
@@ -26,35 +26,16 @@ const QJsonObject Lesson{
     {"remember", "Rechnung is the bill."}};
 
 // A chat-completions endpoint that answers every request with the lesson above, in one body.
-class ScriptedModel {
-public:
-    ScriptedModel()
-    {
-        m_server.Post("/v1/chat/completions", [](const httplib::Request &, httplib::Response &res) {
-            const QJsonObject answer{
-                {"choices",
-                 QJsonArray{QJsonObject{
-                     {"message",
-                      QJsonObject{{"role", "assistant"},
-                                  {"content", QString::fromUtf8(QJsonDocument(Lesson).toJson(
-                                                  QJsonDocument::Compact))}}}}}}};
-            res.set_content(QJsonDocument(answer).toJson().toStdString(), "application/json");
-        });
-        m_port = m_server.bind_to_any_port("127.0.0.1");
-        m_thread = std::thread([this] { m_server.listen_after_bind(); });
-    }
-    ~ScriptedModel()
-    {
-        m_server.stop();
-        m_thread.join();
-    }
-    QString url() const { return QStringLiteral("http://127.0.0.1:%1/v1").arg(m_port); }
-
-private:
-    httplib::Server m_server;
-    int m_port = 0;
-    std::thread m_thread;
-};
+void answerWithTheLesson(ScriptedServer &model)
+{
+    const QJsonObject message{
+        {"role", "assistant"},
+        {"content", QString::fromUtf8(QJsonDocument(Lesson).toJson(QJsonDocument::Compact))}};
+    model.reply(
+        "POST", "/v1/chat/completions", 200,
+        QJsonDocument(QJsonObject{{"choices", QJsonArray{QJsonObject{{"message", message}}}}})
+            .toJson());
+}
 
 } // namespace
 
@@ -78,9 +59,10 @@ private slots:
 
     void aLessonOfferedAndKept()
     {
-        ScriptedModel model;
-        ServerProcess server(
-            {"--local", "--writer", "llm", "--llm-url", model.url(), "--llm-model", "scripted"});
+        ScriptedServer model;
+        answerWithTheLesson(model);
+        ServerProcess server({"--local", "--writer", "llm", "--llm-url",
+                              model.baseUrl().toString() + "/v1", "--llm-model", "scripted"});
         QVERIFY(startServer(server));
         Api api(server.baseUrl());
         api.join("byte@example.org");

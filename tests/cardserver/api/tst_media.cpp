@@ -1,10 +1,10 @@
 // Pictures over HTTP: uploads of each accepted type (sizes read from the headers), refusals
 // by type and size, the files served back, import of a found picture and the search.
 #include "api.h"
+#include "scriptedserver.h"
 
 #include <QtEndian>
 #include <QTest>
-#include <thread>
 
 namespace {
 
@@ -112,17 +112,11 @@ private slots:
 
     void importAndSearch()
     {
-        httplib::Server web;
+        ScriptedServer web;
         const QByteArray picture = png(50, 60);
-        web.Get("/cat.png", [&](const httplib::Request &, httplib::Response &res) {
-            res.set_content(picture.toStdString(), "image/png");
-        });
-        web.Get("/page.html", [](const httplib::Request &, httplib::Response &res) {
-            res.set_content("<html></html>", "text/html");
-        });
-        const int port = web.bind_to_any_port("127.0.0.1");
-        std::thread serving([&] { web.listen_after_bind(); });
-        const QString origin = QStringLiteral("http://127.0.0.1:%1").arg(port);
+        web.reply("GET", "/cat.png", 200, picture, "image/png");
+        web.reply("GET", "/page.html", 200, "<html></html>", "text/html");
+        const QString origin = web.baseUrl().toString();
 
         const Api::Reply imported =
             api->post("/api/media/import", QJsonObject{{"url", origin + "/cat.png"},
@@ -148,8 +142,6 @@ private slots:
         const Api::Reply own = api->post("/api/media/import", QJsonObject{{"url", media["url"]}});
         QCOMPARE(own.status, 200);
         QCOMPARE(own.id(), media["id"].toInteger());
-        web.stop();
-        serving.join();
 
         const auto search = [&](const char *query) {
             return api->get(QStringLiteral("/api/media/search?") + query)["results"].toArray();
@@ -183,23 +175,15 @@ private slots:
 
     void movingPicturesFromProvidersWithKeys()
     {
-        httplib::Server providers;
-        std::string giphyQuery, tenorKey;
-        providers.Get("/v1/gifs/search", [&](const httplib::Request &req, httplib::Response &res) {
-            giphyQuery = req.get_param_value("q");
-            res.set_content(
-                R"({"data":[{"title":"Dancing cat","username":"mia","url":"https://giphy.example/cat",)"
-                R"("images":{"original":{"url":"https://media.example/cat.gif","width":"480","height":"270"},)"
-                R"("fixed_width_small":{"url":"https://media.example/cat-small.gif"}}}]})",
-                "application/json");
-        });
-        providers.Get("/v2/search", [&](const httplib::Request &req, httplib::Response &res) {
-            tenorKey = req.get_param_value("key");
-            res.status = 500; // a provider that fails adds nothing
-        });
-        const int port = providers.bind_to_any_port("127.0.0.1");
-        std::thread serving([&] { providers.listen_after_bind(); });
-        const QByteArray base = "http://127.0.0.1:" + QByteArray::number(port);
+        ScriptedServer providers;
+        providers.reply(
+            "GET", "/v1/gifs/search", 200,
+            "{\"data\":[{\"title\":\"Dancing cat\",\"username\":\"mia\","
+            "\"url\":\"https://giphy.example/cat\",\"images\":{\"original\":"
+            "{\"url\":\"https://media.example/cat.gif\",\"width\":\"480\",\"height\":\"270\"},"
+            "\"fixed_width_small\":{\"url\":\"https://media.example/cat-small.gif\"}}}]}");
+        providers.reply("GET", "/v2/search", 500, "{}"); // a provider that fails adds nothing
+        const QByteArray base = providers.baseUrl().toString().toUtf8();
         qputenv("GIPHY_API_KEY", "giphy-key");
         qputenv("TENOR_API_KEY", "tenor-key");
         qputenv("ORVEL_GIPHY_URL", base);
@@ -223,14 +207,18 @@ private slots:
         QCOMPARE(cat["width"].toInt(), 480);
         QCOMPARE(cat["author"].toString(), QStringLiteral("mia"));
         QCOMPARE(cat["origin"].toString(), QStringLiteral("giphy"));
-        QCOMPARE(giphyQuery, std::string("happy cat"));
-        QCOMPARE(tenorKey, std::string("tenor-key"));
+        const auto asked = [&](const QString &path) {
+            for (const ScriptedServer::Request &request : providers.requests())
+                if (request.path == path)
+                    return request;
+            return ScriptedServer::Request{};
+        };
+        QCOMPARE(asked("/v1/gifs/search").queryValue("q"), QStringLiteral("happy cat"));
+        QCOMPARE(asked("/v2/search").queryValue("key"), QStringLiteral("tenor-key"));
         // Still pictures are not asked of the moving-picture providers.
-        giphyQuery.clear();
+        const int before = providers.requestCount();
         QVERIFY(learner.get("/api/media/search?q=happy%20cat")["results"].toArray().isEmpty());
-        QVERIFY(giphyQuery.empty());
-        providers.stop();
-        serving.join();
+        QCOMPARE(providers.requestCount(), before);
     }
 };
 
