@@ -286,13 +286,7 @@ private slots:
         QCOMPARE(landed.size(), 1);
         QCOMPARE(landed[0][0].value<QList<Card>>().first().id, 9);
         QVERIFY(!composer.offer());
-        const QJsonObject kept = bodyOf(m_server->lastRequest());
-        QCOMPARE(
-            kept.value("keep").toArray(),
-            QJsonDocument::fromJson(R"([{"at":0,"card":false},{"at":1,"card":true}])").array());
-        QCOMPARE(kept.value("note_id").toInt(), 3);
-        QCOMPARE(kept.value("byte").toObject().value("title").toString(),
-                 QStringLiteral("Asking for the bill"));
+        QCOMPARE(m_server->lastRequest().path, QStringLiteral("/api/decks/12/byte/keep"));
 
         // A lesson that cannot be written is a refusal that keeps the topic.
         m_server->reply("POST", "/api/decks/12/byte", 503,
