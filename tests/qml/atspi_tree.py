@@ -73,6 +73,7 @@ if len(sys.argv) > 2 and sys.argv[1] == "press":
         sys.exit(3)
     action = nodes[0].queryAction()
     action.doAction(0)
-    time.sleep(1.0)
+    # Pressed, the button's screen changes: the button itself goes from what can be reached.
+    wait_for(lambda: not any(n == target and r == "push button" for r, n, _ in walk(window, [])))
     print("--")
     dump(window)

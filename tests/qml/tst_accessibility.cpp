@@ -1,4 +1,5 @@
 #include "scriptedserver.h"
+#include "skipunlessci.h"
 
 #include <QDir>
 #include <QFile>
@@ -6,7 +7,6 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
 
 namespace {
 
@@ -23,16 +23,6 @@ struct Child {
         }
     }
 };
-
-bool waitUntil(const std::function<bool()> &ready, int timeoutMs)
-{
-    for (int waited = 0; waited < timeoutMs; waited += 50) {
-        if (ready())
-            return true;
-        QThread::msleep(50);
-    }
-    return ready();
-}
 
 QString run(const QString &program, const QStringList &arguments, const QProcessEnvironment &env)
 {
@@ -58,9 +48,9 @@ private slots:
         if (QStandardPaths::findExecutable("Xvfb").isEmpty() ||
             QStandardPaths::findExecutable("dbus-daemon").isEmpty() || !QFile::exists(launcher) ||
             !QFile::exists(python))
-            QSKIP("Xvfb, dbus-daemon or at-spi2-core is not installed");
+            ORVEL_SKIP_UNLESS_CI("Xvfb, dbus-daemon or at-spi2-core is not installed");
         if (QProcess::execute(python, {"-c", "import pyatspi"}) != 0)
-            QSKIP("python3-pyatspi is not installed");
+            ORVEL_SKIP_UNLESS_CI("python3-pyatspi is not installed");
 
         QTemporaryDir dir;
         QVERIFY(dir.isValid());
@@ -74,12 +64,7 @@ private slots:
         xvfb.process.setProcessEnvironment(env);
         xvfb.process.start("Xvfb",
                            {"-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"});
-        QVERIFY(waitUntil(
-            [&] {
-                xvfb.process.waitForReadyRead(50);
-                return xvfb.process.canReadLine();
-            },
-            10000));
+        QVERIFY(QTest::qWaitFor([&] { return xvfb.process.canReadLine(); }, 10000));
         const QString display = QString::fromLatin1(xvfb.process.readLine()).trimmed();
         QVERIFY2(!display.isEmpty(), "Xvfb did not say which display it took");
         env.insert("DISPLAY", QStringLiteral(":") + display);
@@ -87,11 +72,11 @@ private slots:
         bus.process.setProcessEnvironment(env);
         bus.process.start("dbus-daemon", {"--session", "--nofork",
                                           "--address=" + env.value("DBUS_SESSION_BUS_ADDRESS")});
-        QVERIFY(waitUntil([&] { return QFile::exists(dir.filePath("bus")); }, 10000));
+        QVERIFY(QTest::qWaitFor([&] { return QFile::exists(dir.filePath("bus")); }, 10000));
         Child atspi;
         atspi.process.setProcessEnvironment(env);
         atspi.process.start(launcher, {"--launch-immediately"});
-        QVERIFY(waitUntil(
+        QVERIFY(QTest::qWaitFor(
             [&] {
                 return run("dbus-send",
                            {"--session", "--print-reply=literal", "--dest=org.freedesktop.DBus",

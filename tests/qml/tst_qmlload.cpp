@@ -164,7 +164,6 @@ private slots:
         expectNoWarnings("unknown");
 
         // Signed out: the sign-in screen in each of its modes, light and dark.
-        QTest::qWait(1); // let the state settle before changing it
         m_state->setAppearance(AppState::Appearance::Light);
         QMetaObject::invokeMethod(m_state, [this] { m_state->requestSignOut(); });
         QTRY_COMPARE(m_state->auth(), AppState::Auth::SignedOut);

@@ -1,8 +1,10 @@
 #include "scriptedserver.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <httplib.h>
 #include <mutex>
+#include <QSet>
 #include <QUrlQuery>
 #include <thread>
 
@@ -33,6 +35,9 @@ struct ScriptedServer::State {
     QMap<QString, Script> scripts;
     QList<Request> requests;
     int abandoned = 0;
+    QSet<QByteArray> openGates;
+    bool stopping = false;
+    std::condition_variable gateOpened;
 
     void handle(const httplib::Request &request, httplib::Response &response);
 };
@@ -59,13 +64,21 @@ ScriptedServer::ScriptedServer() : d(std::make_unique<State>())
     d->server.Delete(".*", handler);
     d->port = d->server.bind_to_any_port("127.0.0.1");
     d->thread = std::thread([this] { d->server.listen_after_bind(); });
-    // The socket already listens; wait for the accept loop so stop() always finds it running.
-    while (!d->server.is_running())
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    // The socket already listens; wait (ten seconds at most) for the accept loop, so that stop()
+    // always finds it running.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!d->server.is_running() && std::chrono::steady_clock::now() < deadline)
+        std::this_thread::yield();
 }
 
 ScriptedServer::~ScriptedServer()
 {
+    {
+        // Replies held at a gate end now, so that the server's threads can be joined.
+        std::lock_guard guard(d->lock);
+        d->stopping = true;
+    }
+    d->gateOpened.notify_all();
     d->server.stop();
     if (d->thread.joinable())
         d->thread.join();
@@ -112,6 +125,15 @@ void ScriptedServer::streamThenCut(const QByteArray &method, const QString &path
     stream(method, path, chunks);
     std::lock_guard guard(d->lock);
     d->scripts[key(method, path)].cut = true;
+}
+
+void ScriptedServer::open(const QByteArray &gate)
+{
+    {
+        std::lock_guard guard(d->lock);
+        d->openGates.insert(gate);
+    }
+    d->gateOpened.notify_all();
 }
 
 QList<ScriptedServer::Request> ScriptedServer::requests() const
@@ -191,8 +213,23 @@ void ScriptedServer::State::handle(const httplib::Request &request, httplib::Res
     response.set_chunked_content_provider(
         script.contentType.toStdString(), [this, chunks, cut](size_t, httplib::DataSink &sink) {
             for (const Chunk &chunk : chunks) {
-                if (chunk.pauseMs > 0)
-                    std::this_thread::sleep_for(std::chrono::milliseconds(chunk.pauseMs));
+                if (!chunk.gate.isEmpty()) {
+                    // A test that never opens the gate gets its reply cut after a minute.
+                    std::unique_lock held(lock);
+                    if (!gateOpened.wait_for(
+                            held, std::chrono::minutes(1),
+                            [&] { return stopping || openGates.contains(chunk.gate); }) ||
+                        stopping)
+                        return false;
+                }
+                if (chunk.untilClientLeaves) {
+                    std::unique_lock held(lock);
+                    const auto deadline =
+                        std::chrono::steady_clock::now() + std::chrono::seconds(10);
+                    while (!stopping && sink.is_writable() &&
+                           std::chrono::steady_clock::now() < deadline)
+                        gateOpened.wait_for(held, std::chrono::milliseconds(10));
+                }
                 if (!sink.is_writable() ||
                     !sink.write(chunk.bytes.constData(), chunk.bytes.size())) {
                     std::lock_guard guard(lock);

@@ -23,10 +23,14 @@ public:
         QString queryValue(const QString &name) const;
     };
 
-    // One piece of a streamed body, written after a pause.
+    // One piece of a streamed body. A piece with a gate is held back until the test opens that
+    // gate, so the test decides what the client has seen before the rest comes. A piece that
+    // waits for the client to leave is held until the client closes the connection (ten seconds
+    // at most), for tests of a client letting go of a stream.
     struct Chunk {
         QByteArray bytes;
-        int pauseMs = 0;
+        QByteArray gate = {};
+        bool untilClientLeaves = false;
     };
 
     ScriptedServer();
@@ -46,6 +50,9 @@ public:
                 int status = 200, const QByteArray &contentType = "text/event-stream");
     // The same, closing the connection abruptly after the chunks instead of ending the body.
     void streamThenCut(const QByteArray &method, const QString &path, const QList<Chunk> &chunks);
+
+    // Lets the pieces held at `gate` go, now and in every later reply.
+    void open(const QByteArray &gate);
 
     QList<Request> requests() const;
     Request lastRequest() const;

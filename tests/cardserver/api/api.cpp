@@ -162,6 +162,18 @@ QJsonObject Api::deck(const QString &name, const QString &language)
     return r.object();
 }
 
+QJsonObject Api::card(qint64 deck, const QString &word)
+{
+    const Stream s = stream(path("/api/decks/%1/cards", deck), QJsonObject{{"input", word}});
+    return s.events.isEmpty() ? QJsonObject() : s.events.last().value("card").toObject();
+}
+
+QJsonObject Api::note(qint64 deck, const QString &title, const QString &text)
+{
+    return post(path("/api/decks/%1/notes", deck), QJsonObject{{"title", title}, {"text", text}})
+        .object();
+}
+
 bool startServer(ServerProcess &server)
 {
     if (server.start())

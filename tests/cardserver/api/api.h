@@ -22,6 +22,8 @@ public:
         QJsonObject object() const { return json().toObject(); }
         QJsonArray array() const { return json().toArray(); }
         QString error() const { return object().value("error").toString(); }
+        QJsonValue operator[](const char *key) const { return object().value(QLatin1String(key)); }
+        qint64 id() const { return object().value("id").toInteger(); }
         QString header(const char *name) const;
     };
 
@@ -56,6 +58,10 @@ public:
                      const QString &name = "Learner");
     // Makes a deck and returns its DeckSummary.
     QJsonObject deck(const QString &name = "German", const QString &language = "de");
+    // Writes the card of `word` into the deck and returns it (null when none was written).
+    QJsonObject card(qint64 deck, const QString &word);
+    // Makes a note in the deck, one line per line of `text`, and returns it.
+    QJsonObject note(qint64 deck, const QString &title, const QString &text);
 
 private:
     Reply send(const char *method, const QString &path, const QByteArray &body,
@@ -70,3 +76,11 @@ private:
 
 // Starts a server for a test case; QFAIL-style helpers go in the tests themselves.
 bool startServer(ServerProcess &server);
+
+// A path with ids filled in: path("/api/decks/%1/notes", deck).
+template <class... Ids> QString path(const char *pattern, Ids... ids)
+{
+    QString out = QString::fromUtf8(pattern);
+    ((out = out.arg(ids)), ...);
+    return out;
+}

@@ -11,20 +11,10 @@
 class TestAccounts : public QObject {
     Q_OBJECT
 
-    static QString outboxText(const ServerProcess &server)
-    {
-        QDir outbox(server.dataDir() + "/outbox");
-        QString all;
-        for (const QString &name : outbox.entryList({"*.eml"}, QDir::Files, QDir::Name)) {
-            QFile f(outbox.filePath(name));
-            f.open(QIODevice::ReadOnly);
-            all += QString::fromUtf8(f.readAll());
-        }
-        return all;
-    }
-
-    // The link in the newest outbox message, as a path (/confirm?token=…).
-    static QString lastLink(const ServerProcess &server, const char *startsWith)
+    // The link in the newest outbox message, as a path (/confirm?token=…); `base`, when given,
+    // is what the link must start with.
+    static QString lastLink(const ServerProcess &server, const char *startsWith,
+                            const QString &base = QStringLiteral("http://[^/\\s]+"))
     {
         QDir outbox(server.dataDir() + "/outbox");
         const QStringList files = outbox.entryList({"*.eml"}, QDir::Files, QDir::Name);
@@ -32,11 +22,15 @@ class TestAccounts : public QObject {
             return QString();
         QFile f(outbox.filePath(files.last()));
         f.open(QIODevice::ReadOnly);
-        const QString text = QString::fromUtf8(f.readAll());
-        const auto m = QRegularExpression(QStringLiteral("http://[^/\\s]+(%1[^\\s]+)")
-                                              .arg(QRegularExpression::escape(startsWith)))
-                           .match(text);
+        const auto m =
+            QRegularExpression(
+                base + QStringLiteral("(%1[^\\s]+)").arg(QRegularExpression::escape(startsWith)))
+                .match(QString::fromUtf8(f.readAll()));
         return m.hasMatch() ? m.captured(1) : QString();
+    }
+    static QJsonObject login(const char *email, const char *password)
+    {
+        return {{"email", email}, {"password", password}};
     }
 
 private slots:
@@ -63,21 +57,18 @@ private slots:
         QCOMPARE(api.post("/api/auth/signup", badEmail).status, 422);
 
         // Unconfirmed: the right password is refused with 403, the wrong one with 401.
-        const QJsonObject login{{"email", "ana@example.org"}, {"password", "correct horse"}};
-        const Api::Reply early = api.post("/api/auth/login", login);
+        const Api::Reply early =
+            api.post("/api/auth/login", login("ana@example.org", "correct horse"));
         QCOMPARE(early.status, 403);
         QVERIFY(early.error().contains("ana@example.org"));
-        QCOMPARE(api.post("/api/auth/login",
-                          QJsonObject{{"email", "ana@example.org"}, {"password", "wrong one"}})
-                     .status,
-                 401);
+        QCOMPARE(api.post("/api/auth/login", login("ana@example.org", "wrong one")).status, 401);
         QVERIFY(api.cookie().isEmpty());
 
-        const QString link = lastLink(server, "/confirm?token=");
-        QVERIFY(!link.isEmpty());
         // Mail links point at the server's own address, whatever Host a request claimed.
-        QVERIFY(outboxText(server).contains(server.baseUrl().toString(QUrl::StripTrailingSlash) +
-                                            "/confirm?token="));
+        const QString link = lastLink(
+            server, "/confirm?token=",
+            QRegularExpression::escape(server.baseUrl().toString(QUrl::StripTrailingSlash)));
+        QVERIFY(!link.isEmpty());
         QTRY_VERIFY(server.log().contains("/confirm?token="));
         QCOMPARE(api.get("/confirm?token=nonsense").status, 400);
         const Api::Reply confirmed = api.get(link);
@@ -85,10 +76,10 @@ private slots:
         QVERIFY(confirmed.body.contains("confirmed"));
         QCOMPARE(api.get(link).status, 400); // a link works once
 
-        const Api::Reply in = api.post("/api/auth/login", login);
+        const Api::Reply in =
+            api.post("/api/auth/login", login("ana@example.org", "correct horse"));
         QCOMPARE(in.status, 200);
-        QCOMPARE(in.object().value("display_name").toString(), QStringLiteral("Ana"));
-        QCOMPARE(in.object().value("email").toString(), QStringLiteral("ana@example.org"));
+        QCOMPARE(in["display_name"].toString(), QStringLiteral("Ana"));
         const QString setCookie = in.header("Set-Cookie");
         QVERIFY(setCookie.startsWith("orvel_session="));
         for (const char *part : {"Path=/", "HttpOnly", "SameSite=Lax", "Max-Age=2592000"})
@@ -96,9 +87,7 @@ private slots:
         QVERIFY(!setCookie.contains("Secure"));
         QCOMPARE(api.cookie().size(), 64); // 256 bits in hex
 
-        const Api::Reply me = api.get("/api/auth/me");
-        QCOMPARE(me.status, 200);
-        QCOMPARE(me.object().value("id"), in.object().value("id"));
+        QCOMPARE(api.get("/api/auth/me").id(), in.id());
     }
 
     void resendWritesAFreshLink()
@@ -140,8 +129,7 @@ private slots:
         Api proxied(server.baseUrl());
         proxied.setHeader("X-Forwarded-Proto", "https");
         const Api::Reply secure =
-            proxied.post("/api/auth/login",
-                         QJsonObject{{"email", "dee@example.org"}, {"password", "secret-pass"}});
+            proxied.post("/api/auth/login", login("dee@example.org", "secret-pass"));
         QCOMPARE(secure.status, 200);
         QVERIFY(secure.header("Set-Cookie").contains("; Secure"));
 
@@ -159,12 +147,10 @@ private slots:
         QVERIFY(startServer(server));
         Api api(server.baseUrl());
         api.join("eve@example.org", "the right one");
-        const QJsonObject wrong{{"email", "eve@example.org"}, {"password", "not it"}};
         for (int i = 0; i < 10; ++i)
-            QCOMPARE(api.post("/api/auth/login", wrong).status, 401);
+            QCOMPARE(api.post("/api/auth/login", login("eve@example.org", "not it")).status, 401);
         const Api::Reply blocked =
-            api.post("/api/auth/login",
-                     QJsonObject{{"email", "EVE@example.org"}, {"password", "the right one"}});
+            api.post("/api/auth/login", login("EVE@example.org", "the right one"));
         QCOMPARE(blocked.status, 429);
         QVERIFY(!blocked.error().isEmpty());
         // Another address is not affected.
@@ -179,34 +165,23 @@ private slots:
         Api api(server.baseUrl());
         api.join("gus@example.org", "first password");
         Api laptop(server.baseUrl());
-        laptop.post("/api/auth/login",
-                    QJsonObject{{"email", "gus@example.org"}, {"password", "first password"}});
+        laptop.post("/api/auth/login", login("gus@example.org", "first password"));
         QCOMPARE(laptop.get("/api/auth/me").status, 200);
 
-        QCOMPARE(api.post("/api/settings/password",
-                          QJsonObject{{"current", "wrong"}, {"next", "second password"}})
-                     .status,
-                 403);
-        QCOMPARE(api.post("/api/settings/password",
-                          QJsonObject{{"current", "first password"}, {"next", "short"}})
-                     .status,
-                 422);
-        QCOMPARE(api.post("/api/settings/password",
-                          QJsonObject{{"current", "first password"}, {"next", "second password"}})
-                     .status,
-                 200);
+        const auto change = [&](const char *current, const char *next) {
+            return api
+                .post("/api/settings/password", QJsonObject{{"current", current}, {"next", next}})
+                .status;
+        };
+        QCOMPARE(change("wrong", "second password"), 403);
+        QCOMPARE(change("first password", "short"), 422);
+        QCOMPARE(change("first password", "second password"), 200);
         QCOMPARE(api.get("/api/auth/me").status, 200);
         QCOMPARE(laptop.get("/api/auth/me").status, 401);
         Api fresh(server.baseUrl());
-        QCOMPARE(fresh
-                     .post("/api/auth/login", QJsonObject{{"email", "gus@example.org"},
-                                                          {"password", "first password"}})
-                     .status,
+        QCOMPARE(fresh.post("/api/auth/login", login("gus@example.org", "first password")).status,
                  401);
-        QCOMPARE(fresh
-                     .post("/api/auth/login", QJsonObject{{"email", "gus@example.org"},
-                                                          {"password", "second password"}})
-                     .status,
+        QCOMPARE(fresh.post("/api/auth/login", login("gus@example.org", "second password")).status,
                  200);
     }
 
@@ -216,10 +191,10 @@ private slots:
             ServerProcess plain;
             QVERIFY(startServer(plain));
             Api api(plain.baseUrl());
-            const QJsonObject options = api.get("/api/auth/options").object();
-            QCOMPARE(options.value("google").toBool(true), false);
-            QCOMPARE(options.value("apple").toBool(true), false);
-            QCOMPARE(options.value("signup").toBool(), true);
+            const Api::Reply options = api.get("/api/auth/options");
+            QCOMPARE(options["google"].toBool(true), false);
+            QCOMPARE(options["apple"].toBool(true), false);
+            QCOMPARE(options["signup"].toBool(), true);
             const Api::Reply start = api.get("/api/auth/oauth/google?client=mac");
             QCOMPARE(start.status, 404);
             QVERIFY(!start.error().isEmpty());
@@ -227,7 +202,7 @@ private slots:
         ServerProcess server({"--test-providers"});
         QVERIFY(startServer(server));
         Api api(server.baseUrl());
-        QCOMPARE(api.get("/api/auth/options").object().value("apple").toBool(), true);
+        QCOMPARE(api.get("/api/auth/options")["apple"].toBool(), true);
 
         const Api::Reply start = api.get("/api/auth/oauth/google?client=mac");
         QCOMPARE(start.status, 302);
@@ -238,7 +213,7 @@ private slots:
 
         const Api::Reply user = api.post("/api/auth/exchange", QJsonObject{{"code", code}});
         QCOMPARE(user.status, 200);
-        QVERIFY(!user.object().value("email").toString().isEmpty());
+        QVERIFY(!user["email"].toString().isEmpty());
         QCOMPARE(api.get("/api/auth/me").status, 200);
         Api second(server.baseUrl());
         QCOMPARE(second.post("/api/auth/exchange", QJsonObject{{"code", code}}).status, 401);
@@ -262,31 +237,19 @@ private slots:
         QVERIFY(page.body.contains("value=\"hal@example.org\""));
         QVERIFY(page.body.contains("action=\"/app/forgot\""));
 
-        QCOMPARE(api.postRaw("/app/forgot", "email=hal%40example.org",
-                             "application/x-www-form-urlencoded")
-                     .status,
-                 200);
+        const auto form = [&](const char *to, const QString &fields) {
+            return api.postRaw(to, fields.toUtf8(), "application/x-www-form-urlencoded").status;
+        };
+        QCOMPARE(form("/app/forgot", "email=hal%40example.org"), 200);
         const QString link = lastLink(server, "/app?reset=");
         QVERIFY(!link.isEmpty());
         const QString token = QUrlQuery(QUrl(link)).queryItemValue("reset");
         QVERIFY(api.get(link).body.contains(token.toUtf8()));
-        QCOMPARE(api.postRaw("/app/reset", ("token=" + token + "&password=short").toUtf8(),
-                             "application/x-www-form-urlencoded")
-                     .status,
-                 422);
-        QCOMPARE(api.postRaw("/app/reset", ("token=" + token + "&password=new+password").toUtf8(),
-                             "application/x-www-form-urlencoded")
-                     .status,
-                 200);
+        QCOMPARE(form("/app/reset", "token=" + token + "&password=short"), 422);
+        QCOMPARE(form("/app/reset", "token=" + token + "&password=new+password"), 200);
         QCOMPARE(api.get("/api/auth/me").status, 401); // every session ended
-        QCOMPARE(api.post("/api/auth/login",
-                          QJsonObject{{"email", "hal@example.org"}, {"password", "new password"}})
-                     .status,
-                 200);
-        QCOMPARE(api.postRaw("/app/reset", ("token=" + token + "&password=another+one").toUtf8(),
-                             "application/x-www-form-urlencoded")
-                     .status,
-                 400);
+        QCOMPARE(api.post("/api/auth/login", login("hal@example.org", "new password")).status, 200);
+        QCOMPARE(form("/app/reset", "token=" + token + "&password=another+one"), 400);
     }
 };
 

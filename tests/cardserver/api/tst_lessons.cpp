@@ -2,10 +2,10 @@
 // chat-completions endpoint standing in for a language model, a lesson offered and kept as
 // note lines and cards.
 #include "api.h"
+#include "scriptedserver.h"
 
 #include <QJsonDocument>
 #include <QTest>
-#include <thread>
 
 namespace {
 
@@ -26,35 +26,16 @@ const QJsonObject Lesson{
     {"remember", "Rechnung is the bill."}};
 
 // A chat-completions endpoint that answers every request with the lesson above, in one body.
-class ScriptedModel {
-public:
-    ScriptedModel()
-    {
-        m_server.Post("/v1/chat/completions", [](const httplib::Request &, httplib::Response &res) {
-            const QJsonObject answer{
-                {"choices",
-                 QJsonArray{QJsonObject{
-                     {"message",
-                      QJsonObject{{"role", "assistant"},
-                                  {"content", QString::fromUtf8(QJsonDocument(Lesson).toJson(
-                                                  QJsonDocument::Compact))}}}}}}};
-            res.set_content(QJsonDocument(answer).toJson().toStdString(), "application/json");
-        });
-        m_port = m_server.bind_to_any_port("127.0.0.1");
-        m_thread = std::thread([this] { m_server.listen_after_bind(); });
-    }
-    ~ScriptedModel()
-    {
-        m_server.stop();
-        m_thread.join();
-    }
-    QString url() const { return QStringLiteral("http://127.0.0.1:%1/v1").arg(m_port); }
-
-private:
-    httplib::Server m_server;
-    int m_port = 0;
-    std::thread m_thread;
-};
+void answerWithTheLesson(ScriptedServer &model)
+{
+    const QJsonObject message{
+        {"role", "assistant"},
+        {"content", QString::fromUtf8(QJsonDocument(Lesson).toJson(QJsonDocument::Compact))}};
+    model.reply(
+        "POST", "/v1/chat/completions", 200,
+        QJsonDocument(QJsonObject{{"choices", QJsonArray{QJsonObject{{"message", message}}}}})
+            .toJson());
+}
 
 } // namespace
 
@@ -68,108 +49,76 @@ private slots:
         QVERIFY(startServer(server));
         Api api(server.baseUrl());
         api.join("dict@example.org");
-        const qint64 deck = api.deck().value("id").toInteger();
-        const Api::Reply refused = api.post(QStringLiteral("/api/decks/%1/byte").arg(deck),
-                                            QJsonObject{{"topic", "the bill"}});
+        const QString byte = path("/api/decks/%1/byte", api.deck()["id"].toInteger());
+        const Api::Reply refused = api.post(byte, QJsonObject{{"topic", "the bill"}});
         QCOMPARE(refused.status, 503);
         QVERIFY(refused.error().contains("language model"));
         QVERIFY(refused.error().contains("--writer llm"));
-        QCOMPARE(
-            api.post(QStringLiteral("/api/decks/%1/byte").arg(deck), QJsonObject{{"topic", " "}})
-                .status,
-            422);
+        QCOMPARE(api.post(byte, QJsonObject{{"topic", " "}}).status, 422);
     }
 
     void aLessonOfferedAndKept()
     {
-        ScriptedModel model;
-        ServerProcess server(
-            {"--local", "--writer", "llm", "--llm-url", model.url(), "--llm-model", "scripted"});
+        ScriptedServer model;
+        answerWithTheLesson(model);
+        ServerProcess server({"--local", "--writer", "llm", "--llm-url",
+                              model.baseUrl().toString() + "/v1", "--llm-model", "scripted"});
         QVERIFY(startServer(server));
         Api api(server.baseUrl());
         api.join("byte@example.org");
-        const qint64 deck = api.deck().value("id").toInteger();
-        const QString base = QStringLiteral("/api/decks/%1/byte").arg(deck);
+        const qint64 deck = api.deck()["id"].toInteger();
+        const QString base = path("/api/decks/%1/byte", deck);
 
         const Api::Reply offered = api.post(base, QJsonObject{{"topic", "asking for the bill"}});
         QCOMPARE(offered.status, 200);
-        const QJsonObject byte = offered.object().value("byte").toObject();
-        QCOMPARE(byte.value("title").toString(), QStringLiteral("Asking for the bill"));
-        QCOMPARE(byte.value("phrases").toArray().size(), 2);
-        QCOMPARE(byte.value("correction").toObject().value("right").toString(),
-                 QStringLiteral("Die Rechnung, bitte."));
+        const QJsonObject byte = offered["byte"].toObject();
+        QCOMPARE(byte["title"].toString(), QStringLiteral("Asking for the bill"));
+        QCOMPARE(byte["phrases"].toArray().size(), 2);
+        QCOMPARE(byte["correction"]["right"].toString(), QStringLiteral("Die Rechnung, bitte."));
 
         const QJsonArray keep{QJsonObject{{"at", 0}, {"card", false}},
                               QJsonObject{{"at", 1}, {"card", true}}};
         const Api::Reply landed = api.post(
             base + "/keep", QJsonObject{{"byte", byte}, {"keep", keep}, {"context", true}});
         QCOMPARE(landed.status, 200);
-        const QJsonObject stub = landed.object().value("note").toObject();
-        QVERIFY(stub.value("id").toInteger() > 0);
-        QCOMPARE(stub.value("title").toString(), QStringLiteral("Asking for the bill"));
-        const QJsonArray cards = landed.object().value("cards").toArray();
+        const QJsonValue stub = landed["note"];
+        QCOMPARE(stub["title"].toString(), QStringLiteral("Asking for the bill"));
+        const QJsonArray cards = landed["cards"].toArray();
         QCOMPARE(cards.size(), 1);
-        QCOMPARE(cards.first().toObject().value("term").toString(),
-                 QStringLiteral("Zahlen, bitte!"));
-        QCOMPARE(cards.first().toObject().value("translation").toString(),
-                 QStringLiteral("Paying, please!"));
+        QCOMPARE(cards[0]["term"].toString(), QStringLiteral("Zahlen, bitte!"));
+        QCOMPARE(cards[0]["translation"].toString(), QStringLiteral("Paying, please!"));
 
-        const QJsonArray lines =
-            api.get(QStringLiteral("/api/notes/%1").arg(stub.value("id").toInteger()))
-                .object()
-                .value("lines")
-                .toArray();
+        const QString note = path("/api/notes/%1", stub["id"].toInteger());
+        const QJsonArray lines = api.get(note)["lines"].toArray();
         QStringList texts;
         for (const QJsonValue &l : lines)
-            texts.append(l.toObject().value("text").toString());
+            texts.append(l["text"].toString());
         QCOMPARE(texts.size(), 3); // the idea, the kept phrase, the correction
-        QCOMPARE(texts.at(0), byte.value("gist").toString());
+        QCOMPARE(texts.at(0), byte["gist"].toString());
         QCOMPARE(texts.at(1), QStringLiteral("Die Rechnung, bitte."));
         QVERIFY(texts.at(2).contains("Die Bill, bitte."));
-        QCOMPARE(lines.at(1).toObject().value("state").toString(), QStringLiteral("annotated"));
-        QCOMPARE(lines.at(1)
-                     .toObject()
-                     .value("annotations")
-                     .toArray()
-                     .first()
-                     .toObject()
-                     .value("body")
-                     .toString(),
+        QCOMPARE(lines[1]["state"].toString(), QStringLiteral("annotated"));
+        QCOMPARE(lines[1]["annotations"][0]["body"].toString(),
                  QStringLiteral("The bill, please."));
 
         // Into the same note again, without the context: one more line, the card not doubled.
-        const Api::Reply more = api.post(
-            base + "/keep",
-            QJsonObject{
-                {"byte", byte}, {"keep", keep}, {"context", false}, {"note_id", stub.value("id")}});
+        const Api::Reply more = api.post(base + "/keep", QJsonObject{{"byte", byte},
+                                                                     {"keep", keep},
+                                                                     {"context", false},
+                                                                     {"note_id", stub["id"]}});
         QCOMPARE(more.status, 200);
-        QCOMPARE(more.object().value("note").toObject().value("id"), stub.value("id"));
-        QCOMPARE(more.object().value("cards").toArray().first().toObject().value("id"),
-                 cards.first().toObject().value("id"));
-        QCOMPARE(api.get(QStringLiteral("/api/decks/%1").arg(deck))
-                     .object()
-                     .value("cards")
-                     .toArray()
-                     .size(),
-                 1);
-        QCOMPARE(api.get(QStringLiteral("/api/notes/%1").arg(stub.value("id").toInteger()))
-                     .object()
-                     .value("lines")
-                     .toArray()
-                     .size(),
-                 4);
+        QCOMPARE(more["note"]["id"], stub["id"]);
+        QCOMPARE(more["cards"][0]["id"], cards[0]["id"]);
+        QCOMPARE(api.get(path("/api/decks/%1", deck))["cards"].toArray().size(), 1);
+        QCOMPARE(api.get(note)["lines"].toArray().size(), 4);
 
-        QCOMPARE(api.post(base + "/keep",
-                          QJsonObject{{"byte", byte},
-                                      {"keep", QJsonArray{QJsonObject{{"at", 5}, {"card", true}}}}})
-                     .status,
+        const QJsonArray beyond{QJsonObject{{"at", 5}, {"card", true}}};
+        QCOMPARE(api.post(base + "/keep", QJsonObject{{"byte", byte}, {"keep", beyond}}).status,
                  422);
-        const qint64 otherDeck = api.deck("Other").value("id").toInteger();
-        QCOMPARE(
-            api.post(QStringLiteral("/api/decks/%1/byte/keep").arg(otherDeck),
-                     QJsonObject{{"byte", byte}, {"keep", keep}, {"note_id", stub.value("id")}})
-                .status,
-            404);
+        QCOMPARE(api.post(path("/api/decks/%1/byte/keep", api.deck("Other")["id"].toInteger()),
+                          QJsonObject{{"byte", byte}, {"keep", keep}, {"note_id", stub["id"]}})
+                     .status,
+                 404);
     }
 };
 

@@ -1,10 +1,10 @@
 // Pictures over HTTP: uploads of each accepted type (sizes read from the headers), refusals
 // by type and size, the files served back, import of a found picture and the search.
 #include "api.h"
+#include "scriptedserver.h"
 
 #include <QtEndian>
 #include <QTest>
-#include <thread>
 
 namespace {
 
@@ -81,14 +81,11 @@ private slots:
         QFETCH(int, height);
         const Api::Reply r = api->postRaw("/api/media", bytes, type.constData());
         QCOMPARE(r.status, 201);
-        const QJsonObject media = r.object();
-        QCOMPARE(media.value("width").toInt(), width);
-        QCOMPARE(media.value("height").toInt(), height);
-        QCOMPARE(media.value("origin").toString(), QStringLiteral("upload"));
-        for (const char *key : {"id", "url", "source_url", "author", "licence", "title"})
-            QVERIFY2(media.contains(key), key);
-        const QString url = media.value("url").toString();
-        QVERIFY(url.startsWith(QStringLiteral("/media/%1/").arg(media.value("id").toInteger())));
+        QCOMPARE(r["width"].toInt(), width);
+        QCOMPARE(r["height"].toInt(), height);
+        QCOMPARE(r["origin"].toString(), QStringLiteral("upload"));
+        const QString url = r["url"].toString();
+        QVERIFY(url.startsWith(path("/media/%1/", r.id())));
 
         // Served back as stored, to anyone who has the address.
         Api anyone(server.baseUrl());
@@ -115,17 +112,11 @@ private slots:
 
     void importAndSearch()
     {
-        httplib::Server web;
+        ScriptedServer web;
         const QByteArray picture = png(50, 60);
-        web.Get("/cat.png", [&](const httplib::Request &, httplib::Response &res) {
-            res.set_content(picture.toStdString(), "image/png");
-        });
-        web.Get("/page.html", [](const httplib::Request &, httplib::Response &res) {
-            res.set_content("<html></html>", "text/html");
-        });
-        const int port = web.bind_to_any_port("127.0.0.1");
-        std::thread serving([&] { web.listen_after_bind(); });
-        const QString origin = QStringLiteral("http://127.0.0.1:%1").arg(port);
+        web.reply("GET", "/cat.png", 200, picture, "image/png");
+        web.reply("GET", "/page.html", 200, "<html></html>", "text/html");
+        const QString origin = web.baseUrl().toString();
 
         const Api::Reply imported =
             api->post("/api/media/import", QJsonObject{{"url", origin + "/cat.png"},
@@ -137,10 +128,10 @@ private slots:
                                                        {"source_url", origin + "/page.html"}});
         QCOMPARE(imported.status, 201);
         const QJsonObject media = imported.object();
-        QCOMPARE(media.value("width").toInt(), 50);
-        QCOMPARE(media.value("author").toString(), QStringLiteral("Mia"));
-        QCOMPARE(media.value("licence").toString(), QStringLiteral("CC BY 4.0"));
-        QCOMPARE(api->get(media.value("url").toString()).body, picture);
+        QCOMPARE(media["width"].toInt(), 50);
+        QCOMPARE(media["author"].toString(), QStringLiteral("Mia"));
+        QCOMPARE(media["licence"].toString(), QStringLiteral("CC BY 4.0"));
+        QCOMPARE(api->get(media["url"].toString()).body, picture);
 
         QCOMPARE(api->post("/api/media/import", QJsonObject{{"url", origin + "/page.html"}}).status,
                  415);
@@ -148,87 +139,51 @@ private slots:
             api->post("/api/media/import", QJsonObject{{"url", origin + "/missing.png"}}).status,
             422);
         // One's own picture comes back as it is.
-        const Api::Reply own =
-            api->post("/api/media/import", QJsonObject{{"url", media.value("url")}});
+        const Api::Reply own = api->post("/api/media/import", QJsonObject{{"url", media["url"]}});
         QCOMPARE(own.status, 200);
-        QCOMPARE(own.object().value("id"), media.value("id"));
-        web.stop();
-        serving.join();
+        QCOMPARE(own.id(), media["id"].toInteger());
 
-        const QJsonObject found =
-            api->get("/api/media/search?q=SCHLAFRIGE&deck=&kind=img").object();
-        QCOMPARE(found.value("query").toString(), QStringLiteral("SCHLAFRIGE"));
-        const QJsonArray results = found.value("results").toArray();
-        QCOMPARE(results.size(), 1);
-        QCOMPARE(results.first().toObject().value("url"), media.value("url"));
-        for (const char *key :
-             {"thumb", "width", "height", "title", "author", "licence", "source_url", "origin"})
-            QVERIFY2(results.first().toObject().contains(key), key);
-        const QJsonObject sources = found.value("sources").toObject();
-        QVERIFY(sources.contains("tenor") && sources.contains("giphy"));
-        QCOMPARE(api->get("/api/media/search?q=katze&kind=gif")
-                     .object()
-                     .value("results")
-                     .toArray()
-                     .size(),
-                 0);
+        const auto search = [&](const char *query) {
+            return api->get(QStringLiteral("/api/media/search?") + query)["results"].toArray();
+        };
+        const Api::Reply found = api->get("/api/media/search?q=SCHLAFRIGE&deck=&kind=img");
+        QCOMPARE(found["query"].toString(), QStringLiteral("SCHLAFRIGE"));
+        QCOMPARE(found["results"].toArray().size(), 1);
+        QCOMPARE(found["results"][0]["url"], media["url"]);
+        QVERIFY(found["sources"].toObject().contains("tenor"));
+        QVERIFY(found["sources"].toObject().contains("giphy"));
+        QCOMPARE(search("q=katze&kind=gif").size(), 0);
 
         // A picture placed on a note line is found by the line's words.
-        const qint64 deck = api->deck().value("id").toInteger();
-        const QJsonObject note = api->post(QStringLiteral("/api/decks/%1/notes").arg(deck),
-                                           QJsonObject{{"title", ""}, {"text", ""}})
-                                     .object();
-        const QJsonObject upload = api->postRaw("/api/media", gif(8, 8), "image/gif").object();
+        const QJsonObject note = api->note(api->deck()["id"].toInteger(), "", "");
+        const Api::Reply upload = api->postRaw("/api/media", gif(8, 8), "image/gif");
         const Api::Reply saved = api->patch(
-            QStringLiteral("/api/notes/%1").arg(note.value("id").toInteger()),
+            path("/api/notes/%1", note["id"].toInteger()),
             QJsonObject{{"title", ""},
                         {"lines", QJsonArray{QJsonObject{{"text", "der Regenschirm"},
-                                                         {"media_id", upload.value("id")},
+                                                         {"media_id", upload.id()},
                                                          {"source", ""},
                                                          {"kind", ""},
                                                          {"annotations", QJsonArray()}}}}});
-        QCOMPARE(saved.status, 200);
-        QCOMPARE(saved.object()
-                     .value("lines")
-                     .toArray()
-                     .first()
-                     .toObject()
-                     .value("media")
-                     .toObject()
-                     .value("url"),
-                 upload.value("url"));
-        const QJsonArray byLine =
-            api->get("/api/media/search?q=regenschirm").object().value("results").toArray();
+        QCOMPARE(saved["lines"][0]["media"]["url"], upload["url"]);
+        const QJsonArray byLine = search("q=regenschirm");
         QCOMPARE(byLine.size(), 1);
-        QCOMPARE(byLine.first().toObject().value("animated").toBool(), false);
+        QCOMPARE(byLine[0]["animated"].toBool(), false);
         // Only moving pictures answer a search for moving ones.
-        QCOMPARE(api->get("/api/media/search?q=regenschirm&kind=gif")
-                     .object()
-                     .value("results")
-                     .toArray()
-                     .size(),
-                 0);
+        QCOMPARE(search("q=regenschirm&kind=gif").size(), 0);
     }
 
     void movingPicturesFromProvidersWithKeys()
     {
-        httplib::Server providers;
-        std::string giphyQuery, tenorKey;
-        providers.Get("/v1/gifs/search", [&](const httplib::Request &req, httplib::Response &res) {
-            giphyQuery = req.get_param_value("q");
-            res.set_content(
-                R"({"data":[{"title":"Dancing cat","username":"mia","url":"https://giphy.example/cat",)"
-                R"("images":{"original":{"url":"https://media.example/cat.gif","width":"480","height":"270"},)"
-                R"("fixed_width_small":{"url":"https://media.example/cat-small.gif"}}}]})",
-                "application/json");
-        });
-        providers.Get("/v2/search", [&](const httplib::Request &req, httplib::Response &res) {
-            tenorKey = req.get_param_value("key");
-            res.status = 500; // a provider that fails adds nothing
-        });
-        const int port = providers.bind_to_any_port("127.0.0.1");
-        std::thread serving([&] { providers.listen_after_bind(); });
-        const QByteArray base = "http://127.0.0.1:" + QByteArray::number(port);
+        ScriptedServer providers;
+        providers.reply(
+            "GET", "/v1/gifs/search", 200,
+            "{\"data\":[{\"title\":\"Dancing cat\",\"username\":\"mia\","
+            "\"url\":\"https://giphy.example/cat\",\"images\":{\"original\":"
+            "{\"url\":\"https://media.example/cat.gif\",\"width\":\"480\",\"height\":\"270\"},"
+            "\"fixed_width_small\":{\"url\":\"https://media.example/cat-small.gif\"}}}]}");
+        providers.reply("GET", "/v2/search", 500, "{}"); // a provider that fails adds nothing
+        const QByteArray base = providers.baseUrl().toString().toUtf8();
         qputenv("GIPHY_API_KEY", "giphy-key");
         qputenv("TENOR_API_KEY", "tenor-key");
         qputenv("ORVEL_GIPHY_URL", base);
@@ -242,30 +197,28 @@ private slots:
         Api learner(keyed.baseUrl());
         learner.join("gifs@example.org");
 
-        const QJsonObject reply = learner.get("/api/media/search?q=happy%20cat&kind=gif").object();
-        QCOMPARE(reply.value("sources").toObject().value("giphy").toBool(), true);
-        QCOMPARE(reply.value("sources").toObject().value("tenor").toBool(), true);
-        const QJsonArray results = reply.value("results").toArray();
-        QCOMPARE(results.size(), 1);
-        const QJsonObject cat = results.first().toObject();
-        QCOMPARE(cat.value("url").toString(), QStringLiteral("https://media.example/cat.gif"));
-        QCOMPARE(cat.value("thumb").toString(),
-                 QStringLiteral("https://media.example/cat-small.gif"));
-        QCOMPARE(cat.value("width").toInt(), 480);
-        QCOMPARE(cat.value("author").toString(), QStringLiteral("mia"));
-        QCOMPARE(cat.value("origin").toString(), QStringLiteral("giphy"));
-        QCOMPARE(giphyQuery, std::string("happy cat"));
-        QCOMPARE(tenorKey, std::string("tenor-key"));
+        const Api::Reply reply = learner.get("/api/media/search?q=happy%20cat&kind=gif");
+        QCOMPARE(reply["sources"]["giphy"].toBool(), true);
+        QCOMPARE(reply["sources"]["tenor"].toBool(), true);
+        QCOMPARE(reply["results"].toArray().size(), 1);
+        const QJsonValue cat = reply["results"][0];
+        QCOMPARE(cat["url"].toString(), QStringLiteral("https://media.example/cat.gif"));
+        QCOMPARE(cat["thumb"].toString(), QStringLiteral("https://media.example/cat-small.gif"));
+        QCOMPARE(cat["width"].toInt(), 480);
+        QCOMPARE(cat["author"].toString(), QStringLiteral("mia"));
+        QCOMPARE(cat["origin"].toString(), QStringLiteral("giphy"));
+        const auto asked = [&](const QString &path) {
+            for (const ScriptedServer::Request &request : providers.requests())
+                if (request.path == path)
+                    return request;
+            return ScriptedServer::Request{};
+        };
+        QCOMPARE(asked("/v1/gifs/search").queryValue("q"), QStringLiteral("happy cat"));
+        QCOMPARE(asked("/v2/search").queryValue("key"), QStringLiteral("tenor-key"));
         // Still pictures are not asked of the moving-picture providers.
-        giphyQuery.clear();
-        QVERIFY(learner.get("/api/media/search?q=happy%20cat")
-                    .object()
-                    .value("results")
-                    .toArray()
-                    .isEmpty());
-        QVERIFY(giphyQuery.empty());
-        providers.stop();
-        serving.join();
+        const int before = providers.requestCount();
+        QVERIFY(learner.get("/api/media/search?q=happy%20cat")["results"].toArray().isEmpty());
+        QCOMPARE(providers.requestCount(), before);
     }
 };
 

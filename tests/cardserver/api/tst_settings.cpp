@@ -1,5 +1,6 @@
 // Preferences, voices and spoken clips over HTTP.
 #include "api.h"
+#include "skipunlessci.h"
 
 #include <QTest>
 
@@ -62,32 +63,25 @@ private slots:
     void voicesAndClips()
     {
         api->deck("German", "de");
-        const QJsonObject offer = api->get("/api/settings/voices").object();
-        QVERIFY(offer.contains("audio"));
-        const QJsonArray languages = offer.value("languages").toArray();
+        const Api::Reply offer = api->get("/api/settings/voices");
         QJsonObject german;
-        for (const QJsonValue &v : languages)
-            if (v.toObject().value("code") == "de")
+        for (const QJsonValue &v : offer["languages"].toArray())
+            if (v["code"] == "de")
                 german = v.toObject();
-        QVERIFY(!german.isEmpty());
         for (const char *key : {"name", "locale", "selected", "voices"})
             QVERIFY2(german.contains(key), key);
-        if (!offer.value("audio").toBool())
-            QSKIP("espeak-ng or lame is not installed here");
-        const QJsonArray voices = german.value("voices").toArray();
+        if (!offer["audio"].toBool())
+            ORVEL_SKIP_UNLESS_CI("espeak-ng or lame is not installed here");
+        const QJsonArray voices = german["voices"].toArray();
         QVERIFY(!voices.isEmpty());
-        QVERIFY(voices.first().toObject().contains("id"));
 
+        // The clips themselves are the speech renderer's (tst_speechrenderer); here, that the
+        // rate reaches it, and how the addresses are checked.
         const Api::Reply clip = api->get("/api/audio?text=Hund&lang=de&rate=1");
         QCOMPARE(clip.status, 200);
         QCOMPARE(clip.header("Content-Type"), QStringLiteral("audio/mpeg"));
-        QVERIFY(clip.body.size() > 500);
-        QVERIFY(clip.body.startsWith("ID3") || (quint8(clip.body.at(0)) == 0xFF));
-        const Api::Reply slow = api->get("/api/audio?text=Hund&lang=de&rate=0.75");
-        QCOMPARE(slow.status, 200);
-        QVERIFY(slow.body != clip.body);
-
-        const QString voice = voices.last().toObject().value("id").toString();
+        QVERIFY(api->get("/api/audio?text=Hund&lang=de&rate=0.75").body != clip.body);
+        const QString voice = voices.last()["id"].toString();
         const Api::Reply preview = api->get("/api/audio/preview?voice=" + voice + "&lang=de");
         QCOMPARE(preview.status, 200);
         QCOMPARE(preview.header("Content-Type"), QStringLiteral("audio/mpeg"));

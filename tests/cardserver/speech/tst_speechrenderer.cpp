@@ -1,3 +1,4 @@
+#include "skipunlessci.h"
 #include "speech/espeakvoicelist.h"
 #include "speech/speechrenderer.h"
 #include "writers/writer.h"
@@ -64,7 +65,7 @@ private slots:
     {
         SpeechRenderer speech(dir.filePath("clips"));
         if (!speech.available())
-            QSKIP("espeak-ng or lame is not installed");
+            ORVEL_SKIP_UNLESS_CI("espeak-ng or lame is not installed");
         const QByteArray clip = speech.render("Hund", "de", 1.0, "");
         QVERIFY(startsWithMp3Frame(clip));
         QVERIFY(clip.size() > 1000);
@@ -95,7 +96,7 @@ private slots:
     {
         SpeechRenderer speech(dir.filePath("clips2"));
         if (!speech.available())
-            QSKIP("espeak-ng or lame is not installed");
+            ORVEL_SKIP_UNLESS_CI("espeak-ng or lame is not installed");
         const auto status = [&](const QString &text, const QString &lang, const QString &voice) {
             try {
                 speech.render(text, lang, 1.0, voice);
@@ -117,7 +118,7 @@ private slots:
     {
         SpeechRenderer speech(dir.filePath("clips3"));
         if (!speech.available())
-            QSKIP("espeak-ng or lame is not installed");
+            ORVEL_SKIP_UNLESS_CI("espeak-ng or lame is not installed");
         QList<QByteArray> results(6);
         std::vector<std::thread> threads;
         for (int i = 0; i < 6; ++i)
@@ -135,7 +136,7 @@ private slots:
     {
         SpeechRenderer speech(dir.filePath("clips4"));
         if (!speech.available())
-            QSKIP("espeak-ng or lame is not installed");
+            ORVEL_SKIP_UNLESS_CI("espeak-ng or lame is not installed");
         const QJsonArray german = speech.voices("de");
         QVERIFY(!german.isEmpty());
         QCOMPARE(german[0]["id"].toString(), "gmw/de");

@@ -1,6 +1,7 @@
 // The dictionary writer against the FreeDict dictionaries Debian installs: for twenty everyday
 // words of each language the card leads with the everyday translation, keeps dialect and slang
 // words out of it, and takes its usage note only from the sense it shows.
+#include "skipunlessci.h"
 #include "writers/dictionary.h"
 #include "writers/dictionarywriter.h"
 #include "writers/dictlabels.h"
@@ -90,14 +91,6 @@ QString missing(const QString &language)
         .arg(kPairs.value(language), kFolder);
 }
 
-// CI installs every dictionary, so there a missing one fails the test instead of skipping it.
-#define REQUIRE_DICTIONARY(language)                                                               \
-    if (const QString why = missing(language); !why.isEmpty()) {                                   \
-        if (qgetenv("CI") == "true")                                                               \
-            QFAIL(qPrintable(why));                                                                \
-        QSKIP(qPrintable(why));                                                                    \
-    }
-
 // A translation with a stylistic, regional or dated label, or a note on its form ("dawg":
 // "used to represent American speech").
 bool marked(const DictTranslation &t)
@@ -157,7 +150,8 @@ private slots:
         QFETCH(QString, language);
         QFETCH(QString, word);
         QFETCH(QString, expected);
-        REQUIRE_DICTIONARY(language);
+        if (const QString why = missing(language); !why.isEmpty())
+            ORVEL_SKIP_UNLESS_CI(why);
 
         const WrittenCard card = writer.writeCard({language, "en"}, word, {});
         const QStringList shown = card["translation"].toString().split(", ");
@@ -213,15 +207,10 @@ private slots:
 
     void keepsMarkedWordsAndSensesUnderAlso()
     {
-        REQUIRE_DICTIONARY("de");
-        const WrittenCard hund = writer.writeCard({"de", "en"}, "Hund", {});
-        QCOMPARE(hund["translation"].toString(), "dog");
-        QVERIFY(hund["usage_notes"].toString() != "Zoology. Used to represent American speech.");
-        QVERIFY(!hund["usage_notes"].toString().contains("American speech"));
-        QVERIFY(hund["definition"].toString().contains("dawg (used to represent American speech)"));
-
+        if (const QString why = missing("de"); !why.isEmpty())
+            ORVEL_SKIP_UNLESS_CI(why);
+        // (Hund's "dawg" is checked with the rest of its card in tst_dictionarywriter.)
         const WrittenCard kind = writer.writeCard({"de", "en"}, "Kind", {});
-        QCOMPARE(kind["translation"].toString(), "child");
         QVERIFY2(kind["definition"].toString().contains("bairn (scottish, northern english)"),
                  qPrintable(kind["definition"].toString()));
         // A sense with a specialist label and examples loses to the everyday one without.

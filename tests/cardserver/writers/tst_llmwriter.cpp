@@ -1,87 +1,37 @@
+#include "scriptedserver.h"
 #include "writers/llmwriter.h"
 #include "writers/partialjson.h"
 #include "writers/writerfactory.h"
 
-#include <atomic>
-#include <httplib.h>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QtTest>
-#include <thread>
 
 using namespace cardserver;
 
 namespace {
 
-// A chat-completions endpoint that streams a scripted answer as server-sent events, a few
-// characters per event with a pause between them, and remembers what it was sent.
-class ScriptedModel {
-public:
-    std::string answer; // the JSON text the "model" writes
-    int status = 200;   // a non-2xx status answers with errorBody instead
-    std::string errorBody;
-    int pieceSize = 7;
-    int pauseMs = 5;
-    int stallMs = 0;          // sleep before answering at all
-    std::atomic<int> sent{0}; // pieces written so far
-    int pieces = 0;
-    QJsonObject request;
-    std::string authorization;
-    std::string path;
-
-    ScriptedModel()
-    {
-        server.Post(R"(/.*)", [this](const httplib::Request &req, httplib::Response &res) {
-            request = QJsonDocument::fromJson(QByteArray::fromStdString(req.body)).object();
-            authorization = req.get_header_value("Authorization");
-            path = req.path;
-            if (stallMs)
-                std::this_thread::sleep_for(std::chrono::milliseconds(stallMs));
-            if (status != 200) {
-                res.status = status;
-                res.set_content(errorBody, "application/json");
-                return;
-            }
-            sent = 0;
-            pieces = int((answer.size() + pieceSize - 1) / pieceSize);
-            res.set_chunked_content_provider("text/event-stream", [this](size_t,
-                                                                         httplib::DataSink &sink) {
-                for (size_t at = 0; at < answer.size(); at += pieceSize) {
-                    const QJsonObject chunk{
-                        {"choices",
-                         QJsonArray{QJsonObject{
-                             {"delta", QJsonObject{{"content", QString::fromStdString(answer.substr(
-                                                                   at, pieceSize))}}}}}}};
-                    const std::string event =
-                        "data: " +
-                        QJsonDocument(chunk).toJson(QJsonDocument::Compact).toStdString() + "\n\n";
-                    sink.write(event.data(), event.size());
-                    ++sent;
-                    std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs));
-                }
-                sink.write("data: [DONE]\n\n", 14);
-                sink.done();
-                return true;
-            });
-        });
-        server.set_keep_alive_timeout(1);
-        port = server.bind_to_any_port("127.0.0.1");
-        thread = std::thread([this] { server.listen_after_bind(); });
-        while (!server.is_running())
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+// A chat-completions answer as a model streams it: a few characters per event, then [DONE].
+// The piece that holds the character `holdAt` waits for the gate "rest", so a test sees what
+// the writer reported before the rest was sent.
+QList<ScriptedServer::Chunk> streamed(const QString &answer, qsizetype holdAt = -1)
+{
+    QList<ScriptedServer::Chunk> chunks;
+    for (qsizetype at = 0; at < answer.size(); at += 7) {
+        const QJsonObject delta{{"content", answer.mid(at, 7)}};
+        const QJsonObject chunk{{"choices", QJsonArray{QJsonObject{{"delta", delta}}}}};
+        chunks.append({"data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n",
+                       holdAt >= at && holdAt < at + 7 ? "rest" : ""});
     }
-    ~ScriptedModel()
-    {
-        server.stop();
-        thread.join();
-    }
-    QString base() const { return QStringLiteral("http://127.0.0.1:%1/v1").arg(port); }
+    chunks.append({"data: [DONE]\n\n"});
+    return chunks;
+}
 
-private:
-    httplib::Server server;
-    std::thread thread;
-    int port = 0;
-};
+// The model's address, as the writer is configured with it.
+QString base(const ScriptedServer &model)
+{
+    return model.baseUrl().toString() + "/v1";
+}
 
 const Languages kGerman{"de", "en"};
 
@@ -142,26 +92,27 @@ private slots:
 
     void streamsACardFieldByField()
     {
-        ScriptedModel model;
-        model.answer = kCard;
-        LlmWriter writer(model.base(), "test-model", "secret");
+        ScriptedServer model;
+        const QString answer = QString::fromUtf8(kCard);
+        // The examples are held back until the definition has been reported: the writing ends
+        // only if each field was reported as soon as it was there.
+        model.stream("POST", "/v1/chat/completions",
+                     streamed(answer, answer.indexOf("\"examples\"")));
+        LlmWriter writer(base(model), "test-model", "secret");
         QStringList order;
-        QList<int> sentAt; // pieces sent when each field was reported
         QHash<QString, int> counts;
         const WrittenCard card = writer.writeCard(kGerman, "Hund",
                                                   {[&](const QString &f, const QString &) {
                                                        order.append(f);
-                                                       sentAt.append(model.sent);
+                                                       if (f == "definition")
+                                                           model.open("rest");
                                                    },
                                                    [&](const QString &f, int n) {
                                                        order.append(f);
                                                        counts.insert(f, n);
-                                                       sentAt.append(model.sent);
                                                    }});
         QCOMPARE(order, (QStringList{"term", "reading", "part_of_speech", "gender", "translation",
                                      "definition", "examples", "related", "conjugations"}));
-        QVERIFY2(sentAt.first() < model.pieces / 4, "the term came only at the end");
-        QVERIFY(sentAt[4] < sentAt[6]); // translation before the examples were written
         QCOMPARE(counts["examples"], 2);
         QCOMPARE(counts["related"], 1);
         QCOMPARE(counts["conjugations"], 0);
@@ -173,12 +124,13 @@ private slots:
                               {"translation", "A good dog."},
                               {"note", ""}}));
 
-        QCOMPARE(model.path, "/v1/chat/completions");
-        QCOMPARE(model.authorization, "Bearer secret");
-        QCOMPARE(model.request["model"].toString(), "test-model");
-        QCOMPARE(model.request["stream"].toBool(), true);
-        QCOMPARE(model.request.value("response_format")["type"].toString(), "json_object");
-        const QJsonArray messages = model.request["messages"].toArray();
+        const ScriptedServer::Request sent = model.lastRequest();
+        QCOMPARE(sent.header("Authorization"), "Bearer secret");
+        const QJsonObject request = QJsonDocument::fromJson(sent.body).object();
+        QCOMPARE(request["model"].toString(), "test-model");
+        QCOMPARE(request["stream"].toBool(), true);
+        QCOMPARE(request.value("response_format")["type"].toString(), "json_object");
+        const QJsonArray messages = request["messages"].toArray();
         QCOMPARE(messages.size(), 2);
         QCOMPARE(messages[0]["role"].toString(), "system");
         QVERIFY(messages[0]["content"].toString().contains("German"));
@@ -187,8 +139,8 @@ private slots:
 
     void failsPlainlyOnBadAnswers()
     {
-        ScriptedModel model;
-        LlmWriter writer(model.base() + "/chat/completions", "m", "");
+        ScriptedServer model;
+        LlmWriter writer(base(model) + "/chat/completions", "m", "");
         const auto expect503 = [&](const char *contains) {
             try {
                 writer.writeCard(kGerman, "Hund", {});
@@ -198,21 +150,23 @@ private slots:
                 QVERIFY2(e.message().contains(QLatin1String(contains)), qPrintable(e.message()));
             }
         };
-        model.answer = R"({"term": "Hund", "translation": "dog", "examples": [)";
+        const auto answer = [&](const char *text) {
+            model.stream("POST", "/v1/chat/completions", streamed(QString::fromUtf8(text)));
+        };
+        answer(R"({"term": "Hund", "translation": "dog", "examples": [)");
         expect503("could not be read");
-        model.answer = "I am sorry, I cannot do that.";
+        answer("I am sorry, I cannot do that.");
         expect503("could not be read");
-        model.answer = R"({"term": "Hund", "translation": ""})";
+        answer(R"({"term": "Hund", "translation": ""})");
         expect503("no translation");
-        QVERIFY(model.authorization.empty()); // no key, no header
+        QVERIFY(model.lastRequest().header("Authorization").isEmpty()); // no key, no header
 
-        model.status = 500;
-        model.errorBody = R"({"error": {"message": "model not loaded"}})";
+        model.reply("POST", "/v1/chat/completions", 500,
+                    R"({"error": {"message": "model not loaded"}})");
         expect503("model not loaded");
 
-        model.status = 200;
-        model.answer = kCard;
-        model.stallMs = 2500;
+        // A model that stops answering: the writer gives up.
+        model.stream("POST", "/v1/chat/completions", {{"data: {}\n\n", "never"}});
         writer.setTimeout(1);
         expect503("unavailable");
 
@@ -223,53 +177,55 @@ private slots:
 
     void extractsWordsOneByOne()
     {
-        ScriptedModel model;
-        model.answer = R"({"words": [{"term": "Hund", "seen_as": "Hunde", "gloss": "dog",
+        ScriptedServer model;
+        const QString answer = R"({"words": [{"term": "Hund", "seen_as": "Hunde", "gloss": "dog",
             "sentence": "Die Hunde bellen.", "level": "common"},
             {"term": "bellen", "gloss": "bark", "sentence": "Die Hunde bellen.", "level": "common"},
             {"term": "hund", "gloss": "dog again"}]})";
-        LlmWriter writer(model.base(), "m", "");
-        QList<int> sentAt;
+        // The rest waits until the first word has been reported.
+        model.stream("POST", "/v1/chat/completions",
+                     streamed(answer, answer.indexOf("{\"term\": \"bellen\"")));
+        LlmWriter writer(base(model), "m", "");
         QList<QJsonObject> words;
         const QJsonArray all =
             writer.extract(kGerman, "Die Hunde bellen.", [&](const QJsonObject &c) {
                 words.append(c);
-                sentAt.append(model.sent);
+                model.open("rest");
             });
         QCOMPARE(all.size(), 2); // "hund" again is a duplicate
         QCOMPARE(words.size(), 2);
-        QVERIFY(sentAt[0] < model.pieces - 5);
         QCOMPARE(words[0]["seen_as"].toString(), "Hunde");
         QCOMPARE(words[1]["seen_as"].toString(), "bellen"); // missing: the term itself
     }
 
     void writesLessonsMarginsAndCommands()
     {
-        ScriptedModel model;
-        LlmWriter writer(model.base(), "m", "");
-        model.answer =
-            R"({"title": "Greetings", "gist": "Say hello.", "phrases": [{"phrase": "Hallo",
-            "meaning": "hello"}], "correction": {"wrong": "Gute Morgen", "right": "Guten Morgen"}})";
+        ScriptedServer model;
+        LlmWriter writer(base(model), "m", "");
+        const auto answer = [&](const char *text) {
+            model.stream("POST", "/v1/chat/completions", streamed(QString::fromUtf8(text)));
+        };
+        answer(R"({"title": "Greetings", "gist": "Say hello.", "phrases": [{"phrase": "Hallo",
+            "meaning": "hello"}], "correction": {"wrong": "Gute Morgen", "right": "Guten Morgen"}})");
         const QJsonObject byte = writer.byte(kGerman, "greetings");
         QCOMPARE(byte["title"].toString(), "Greetings");
         QCOMPARE(byte["explain"].toString(), "");
         QCOMPARE(byte["phrases"][0]["when"].toString(), "");
         QCOMPARE(byte["correction"]["right"].toString(), "Guten Morgen");
 
-        model.answer =
-            R"({"annotations": [{"kind": "gloss", "span": "Hund", "body": "dog", "term": "Hund"},
-            {"kind": "shout", "span": "bellt", "body": "barks"}, {"kind": "note", "body": ""}]})";
+        answer(R"({"annotations": [{"kind": "gloss", "span": "Hund", "body": "dog", "term": "Hund"},
+            {"kind": "shout", "span": "bellt", "body": "barks"}, {"kind": "note", "body": ""}]})");
         const QJsonArray notes = writer.annotateLine(kGerman, "Der Hund bellt.", {});
         QCOMPARE(notes.size(), 2);
         QCOMPARE(notes[1]["kind"].toString(), "note"); // an unknown kind becomes a note
         QCOMPARE(notes[1]["term"].toString(), "");
 
-        model.answer = R"({"level": 1, "body": "Because nouns are capitalised.", "last": false})";
+        answer(R"({"level": 1, "body": "Because nouns are capitalised.", "last": false})");
         const QJsonObject deeper = writer.deepen(kGerman, "Der Hund", notes[0].toObject(), 2);
         QCOMPARE(deeper["level"].toInt(), 2);
         QCOMPARE(deeper["last"].toBool(), false);
 
-        model.answer = R"({"lines": ["Present: ich gehe, du gehst", ""]})";
+        answer(R"({"lines": ["Present: ich gehe, du gehst", ""]})");
         QCOMPARE(writer.compose(kGerman, "conj", "gehen"),
                  QStringList{"Present: ich gehe, du gehst"});
         QVERIFY_THROWS_EXCEPTION(WriterError, writer.compose(kGerman, "dance", "gehen"));

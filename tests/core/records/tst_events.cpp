@@ -55,15 +55,10 @@ private slots:
         QCOMPARE(both.kind, CardEvent::Kind::Text);
         QCOMPARE(both.value, "x");
         // The count is not read at all once a value is there.
-        QCOMPARE(json::decode<CardEvent>(
-                     R"({"type":"progress","field":"f","value":"x","count":"three"})")
-                     .kind,
-                 CardEvent::Kind::Text);
         QCOMPARE(
             json::decode<CardEvent>(R"({"type":"progress","field":"f","value":null,"count":2})")
                 .kind,
             CardEvent::Kind::Count);
-        QCOMPARE(json::decode<CardEvent>(R"({"type":"progress","field":"f"})"), CardEvent{});
         QCOMPARE(
             json::decode<CardEvent>(R"({"type":"progress","field":"f","value":null,"count":null})"),
             CardEvent{});
@@ -85,22 +80,16 @@ private slots:
     {
         QVERIFY_THROWS_EXCEPTION(DecodeError,
                                  json::decode<CardEvent>(R"({"field":"f","value":"v"})"));
-        QVERIFY_THROWS_EXCEPTION(DecodeError,
-                                 json::decode<CardEvent>(R"({"type":"progress","value":"v"})"));
         QVERIFY_THROWS_EXCEPTION(
             DecodeError, json::decode<CardEvent>(R"({"type":"progress","field":"f","value":3})"));
         QVERIFY_THROWS_EXCEPTION(
             DecodeError, json::decode<CardEvent>(R"({"type":"progress","field":"f","count":1.5})"));
-        QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<CardEvent>(R"({"type":"card"})"));
         QVERIFY_THROWS_EXCEPTION(
             DecodeError,
             json::decode<CardEvent>(
                 typed(QJsonObject{{"card", wire::without(wire::card(), "examples")}}, "card")));
-        QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<CardEvent>(R"({"type":"error"})"));
         QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<CardEvent>(R"({"type":7})"));
         QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<CardEvent>(R"(["progress"])"));
-        QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<CardEvent>(R"({"type":"card",)"));
-        QVERIFY_THROWS_EXCEPTION(DecodeError, json::fromValue<CardEvent>(QJsonValue("card")));
     }
 
     void batchEventCases()
@@ -114,10 +103,6 @@ private slots:
         QCOMPARE(card.kind, BatchEvent::Kind::Card);
         QCOMPARE(card.index, 2);
         QCOMPARE(card.card.id, 8);
-        QCOMPARE(json::decode<BatchEvent>(R"({"type":"done"})").kind, BatchEvent::Kind::Done);
-        QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<BatchEvent>(R"({"type":"start"})"));
-        QVERIFY_THROWS_EXCEPTION(DecodeError,
-                                 json::decode<BatchEvent>(R"({"type":"word","index":1})"));
         QVERIFY_THROWS_EXCEPTION(DecodeError,
                                  json::decode<BatchEvent>(R"({"type":"skipped","term":"x"})"));
     }
@@ -158,9 +143,6 @@ private slots:
             json::decode<ExtractEvent>(typed(QJsonObject{{"word", wire::candidate()}}, "word"));
         QCOMPARE(word.kind, ExtractEvent::Kind::Word);
         QCOMPARE(word.word.seenAs, "ging");
-        QCOMPARE(json::decode<ExtractEvent>(R"({"type":"error","error":"Too long"})").message,
-                 "Too long");
-        QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<ExtractEvent>(R"({"type":"reading"})"));
         QVERIFY_THROWS_EXCEPTION(
             DecodeError, json::decode<ExtractEvent>(R"({"type":"word","word":{"term":"x"}})"));
     }
@@ -192,18 +174,12 @@ private slots:
                  (AnnotateEvent{.kind = AnnotateEvent::Kind::Start, .total = 6}));
         QCOMPARE(json::decode<AnnotateEvent>(R"({"type":"progress","done":2,"total":6})"),
                  (AnnotateEvent{.kind = AnnotateEvent::Kind::Progress, .total = 6, .done = 2}));
-        QCOMPARE(json::decode<AnnotateEvent>(R"({"type":"error","error":"Busy"})").message, "Busy");
-        QVERIFY_THROWS_EXCEPTION(DecodeError,
-                                 json::decode<AnnotateEvent>(R"({"type":"progress","done":2})"));
 
         const auto done = json::decode<AnnotateEvent>(
             typed(QJsonObject{{"note", wire::note()}, {"annotated", 5}}, "done"));
         QCOMPARE(done.kind, AnnotateEvent::Kind::Done);
         QCOMPARE(done.note.lines.size(), 2);
         QCOMPARE(done.annotated, 5);
-        QCOMPARE(json::decode<AnnotateEvent>(typed(QJsonObject{{"note", wire::note()}}, "done"))
-                     .annotated,
-                 0);
         QCOMPARE(
             json::decode<AnnotateEvent>(
                 typed(QJsonObject{{"note", wire::note()}, {"annotated", QJsonValue::Null}}, "done"))
@@ -211,16 +187,6 @@ private slots:
             0);
         QVERIFY_THROWS_EXCEPTION(DecodeError,
                                  json::decode<AnnotateEvent>(R"({"type":"done","annotated":1})"));
-    }
-
-    void eventsDecodeFromValues()
-    {
-        const QJsonValue value = QJsonObject{{"type", "start"}, {"total", 3}};
-        QCOMPARE(json::fromValue<BatchEvent>(value).total, 3);
-        QCOMPARE(json::fromValue<AnnotateEvent>(value).total, 3);
-        QCOMPARE(json::decode<QList<BatchEvent>>(R"([{"type":"start","total":1},{"type":"done"}])")
-                     .size(),
-                 2);
     }
 };
 

@@ -1,3 +1,6 @@
+// The calls whose request can go wrong in ways the records' own tests do not see: keys left out
+// versus sent as null, literal keys that differ from the C++ names, text beyond ASCII, whole
+// literal bodies, paths with ids and queries that need escaping.
 #include "awaittask.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
@@ -15,25 +18,19 @@ using testsupport::await;
 namespace {
 
 // Replies that decode as each record, for the calls that need one.
-const QByteArray user = R"({"id":7,"email":"ana@example.org","display_name":"Ana"})";
 const QByteArray card =
     R"({"id":5,"deck_id":12,"term":"Hund","reading":"hʊnt","part_of_speech":"noun",
   "gender":"der","translation":"dog","definition":"","usage_notes":"","examples":[],"related":[],
   "conjugations":[],"seen":0,"known":0,"streak":0,"last_reviewed":null,"created_at":"2026-11-01"})";
 const QByteArray summary = R"({"id":12,"name":"Deutsch","description":"","language":"de",
   "native_language":"en","created_at":"2026-11-01","card_count":0,"known_count":0})";
-const QByteArray folder = R"({"id":3,"name":"Languages","deck_count":1})";
 const QByteArray preferences =
     R"({"voices":{"pt_BR":"v1"},"rate":1,"gain":1,"hear_on_flip":true,"skin":"paper"})";
 const QByteArray note =
     R"({"id":9,"deck_id":12,"title":"Café","created_at":"a","updated_at":"b","lines":[]})";
 const QByteArray media = R"({"id":4,"url":"/media/4/a.png","width":1,"height":1,"origin":"upload",
   "source_url":"","author":"","licence":"","title":""})";
-
-QByteArray wrap(const char *key, const QByteArray &record)
-{
-    return "{\"" + QByteArray(key) + "\":" + record + "}";
-}
+const QByteArray made = R"({"card":)" + card + R"(,"already":true})";
 
 struct Call {
     const char *name;
@@ -87,37 +84,9 @@ class TestServerCalls : public QObject {
     }
 
 private slots:
-    void accountCalls()
+    void settingsTravelWithLiteralKeys()
     {
         check({
-            {"me",
-             [](APIClient &c) { QCOMPARE(await(c.me()).email, QStringLiteral("ana@example.org")); },
-             "GET", "/api/auth/me", user},
-            {"signIn", [](APIClient &c) { await(c.signIn("ana@example.org", "secret12")); }, "POST",
-             "/api/auth/login", user,
-             object(R"({"email":"ana@example.org","password":"secret12"})")},
-            {"signUp", [](APIClient &c) { await(c.signUp("ana@example.org", "secret12", "Ana")); },
-             "POST", "/api/auth/signup", "{}",
-             object(R"({"email":"ana@example.org","password":"secret12","display_name":"Ana"})")},
-            {"resendVerification",
-             [](APIClient &c) { await(c.resendVerification("ana@example.org")); }, "POST",
-             "/api/auth/resend", R"({"ok":true})", object(R"({"email":"ana@example.org"})")},
-            {"authOptions",
-             [](APIClient &c) {
-                 const AuthOptions options = await(c.authOptions());
-                 QVERIFY(options.google && !options.apple && options.signup);
-             },
-             "GET", "/api/auth/options", R"({"google":true,"apple":false,"signup":true})"},
-            {"exchange", [](APIClient &c) { QCOMPARE(await(c.exchange("c0de")).id, 7); }, "POST",
-             "/api/auth/exchange", user, object(R"({"code":"c0de"})")},
-            {"signOut", [](APIClient &c) { await(c.signOut()); }, "POST", "/api/auth/logout", ""},
-            {"preferences",
-             [](APIClient &c) {
-                 const Preferences prefs = await(c.preferences());
-                 QCOMPARE(prefs.voices.value("pt_BR"), QStringLiteral("v1")); // keys untouched
-                 QVERIFY(!prefs.marginAsYouGo.has_value());
-             },
-             "GET", "/api/settings", preferences},
             {"saveSettings with only a skin",
              [](APIClient &c) {
                  SettingsChange change;
@@ -140,29 +109,12 @@ private slots:
              object(
                  R"({"rate":0.75,"gain":2,"hearOnFlip":false,"voices":{"pt_BR":"v2","de":"gmw/de"},
                         "skin":"sage","marginAsYouGo":true})")},
-            {"changePassword",
-             [](APIClient &c) { await(c.changePassword("old-pass", "new-pass1")); }, "POST",
-             "/api/settings/password", "{}",
-             object(R"({"current":"old-pass","next":"new-pass1"})")},
-            {"voices",
-             [](APIClient &c) {
-                 const VoiceOffer offer = await(c.voices());
-                 QVERIFY(offer.audio);
-                 QCOMPARE(offer.languages.size(), 1);
-             },
-             "GET", "/api/settings/voices",
-             R"({"audio":true,"languages":[{"code":"de","name":"German","locale":"de-DE",
-                 "selected":"gmw/de","voices":[{"id":"gmw/de","name":"German"}]}]})"},
         });
     }
 
     void libraryCalls()
     {
         check({
-            {"decks", [](APIClient &c) { QCOMPARE(await(c.decks()).size(), 1); }, "GET",
-             "/api/decks", "[" + summary + "]"},
-            {"folders", [](APIClient &c) { QCOMPARE(await(c.folders()).first().deckCount, 1); },
-             "GET", "/api/folders", "[" + folder + "]"},
             {"createDeck without a folder",
              [](APIClient &c) { await(c.createDeck("Deutsch", "", "de", "en", std::nullopt)); },
              "POST", "/api/decks", summary,
@@ -174,11 +126,6 @@ private slots:
              object(
                  R"({"name":"Deutsch","description":"mine","language":"de","native_language":"en",
                         "folder_id":3})")},
-            {"deck", [](APIClient &c) { QCOMPARE(await(c.deck(12)).cards.size(), 1); }, "GET",
-             "/api/decks/12",
-             R"({"id":12,"name":"Deutsch","description":"","language":"de","native_language":"en",
-                 "created_at":"x","cards":[)" +
-                 card + "]}"},
             {"renameDeck with non-ASCII letters",
              [](APIClient &c) { await(c.renameDeck(12, "Français – débutant", "ça va")); }, "PATCH",
              "/api/decks/12", summary,
@@ -188,21 +135,6 @@ private slots:
             {"moveDeck out of its folder",
              [](APIClient &c) { await(c.moveDeck(12, std::nullopt)); }, "PATCH", "/api/decks/12",
              summary, object(R"({"folder_id":null})")},
-            {"deleteDeck", [](APIClient &c) { await(c.deleteDeck(12)); }, "DELETE", "/api/decks/12",
-             ""},
-            {"createFolder", [](APIClient &c) { await(c.createFolder("Languages")); }, "POST",
-             "/api/folders", folder, object(R"({"name":"Languages"})")},
-            {"renameFolder", [](APIClient &c) { await(c.renameFolder(3, "Sprachen")); }, "PATCH",
-             "/api/folders/3", folder, object(R"({"name":"Sprachen"})")},
-            {"deleteFolder", [](APIClient &c) { await(c.deleteFolder(3)); }, "DELETE",
-             "/api/folders/3", ""},
-            {"languages",
-             [](APIClient &c) {
-                 const QList<Language> languages = await(c.languages());
-                 QCOMPARE(languages.first().endonym, QStringLiteral("Deutsch"));
-                 QVERIFY(!languages.first().script.has_value());
-             },
-             "GET", "/api/languages", R"([{"code":"de","name":"German","endonym":"Deutsch"}])"},
             {"search",
              [](APIClient &c) { QCOMPARE(await(c.search("straße & co")).lines.size(), 0); },
              "GET",
@@ -213,77 +145,41 @@ private slots:
         });
     }
 
-    void cardAndLessonCalls()
+    void lessonAndNoteCalls()
     {
         Byte lesson;
         lesson.title = QStringLiteral("Greetings");
-        Phrase phrase;
-        phrase.phrase = QStringLiteral("Guten Tag");
-        lesson.phrases = {phrase};
-        Kept first;
-        first.at = 0;
-        first.card = true;
-
-        check({
-            {"regenerate", [](APIClient &c) { await(c.regenerate(5)); }, "POST",
-             "/api/cards/5/regenerate", card},
-            {"review",
-             [](APIClient &c) { QCOMPARE(await(c.review(5, true)).term, QStringLiteral("Hund")); },
-             "POST", "/api/cards/5/review", card, object(R"({"known":true})")},
-            {"deleteCard", [](APIClient &c) { await(c.deleteCard(5)); }, "DELETE", "/api/cards/5",
-             ""},
-            {"byte",
-             [](APIClient &c) {
-                 QCOMPARE(await(c.byte(12, "greetings")).title, QStringLiteral("Hi"));
-             },
-             "POST", "/api/decks/12/byte", R"({"byte":{"title":"Hi"}})",
-             object(R"({"topic":"greetings"})")},
-            {"keepByte into a new note",
-             [=](APIClient &c) {
-                 const Landed landed = await(c.keepByte(12, lesson, {first}, true, std::nullopt));
-                 QCOMPARE(landed.note.id, 9);
-                 QCOMPARE(landed.cards.size(), 1);
-             },
-             "POST", "/api/decks/12/byte/keep",
-             R"({"note":{"id":9,"title":"Greetings"},"cards":[)" + card + "]}",
-             QJsonObject{{"byte", QJsonDocument::fromJson(json::encode(lesson)).object()},
-                         {"keep", QJsonArray{QJsonObject{{"at", 0}, {"card", true}}}},
-                         {"context", true}}},
-            {"keepByte into a chosen note",
-             [=](APIClient &c) { await(c.keepByte(12, lesson, {}, false, 9)); }, "POST",
-             "/api/decks/12/byte/keep", R"({"note":{"id":9,"title":"Greetings"},"cards":[]})",
-             QJsonObject{{"byte", QJsonDocument::fromJson(json::encode(lesson)).object()},
-                         {"keep", QJsonArray{}},
-                         {"context", false},
-                         {"note_id", 9}}},
-        });
-    }
-
-    void noteCalls()
-    {
+        lesson.phrases = {Phrase{.phrase = QStringLiteral("Guten Tag")}};
+        const QJsonObject encoded = QJsonDocument::fromJson(json::encode(lesson)).object();
         NoteDraftLine kept;
         kept.id = 41;
         kept.text = QStringLiteral("Ein Kaffee, bitte.");
         kept.source = QStringLiteral("typed");
         kept.kind = QStringLiteral("text");
-        Annotation remark;
-        remark.kind = QStringLiteral("gloss");
-        remark.span = QStringLiteral("Kaffee");
-        remark.body = QStringLiteral("coffee");
-        kept.annotations = {remark};
+        kept.annotations = {Annotation{.kind = QStringLiteral("gloss"),
+                                       .span = QStringLiteral("Kaffee"),
+                                       .body = QStringLiteral("coffee")}};
         NoteDraftLine fresh;
         fresh.text = QStringLiteral("Noch einen.");
         fresh.mediaId = 4;
 
         check({
-            {"notes", [](APIClient &c) { QCOMPARE(await(c.notes(12)).first().pendingCount, 2); },
-             "GET", "/api/decks/12/notes",
-             R"([{"id":9,"title":"Café","created_at":"a","updated_at":"b","line_count":3,"pending_count":2}])"},
-            {"createNote", [](APIClient &c) { await(c.createNote(12, "Café", "Ein Kaffee")); },
-             "POST", "/api/decks/12/notes", note,
-             object(R"({"title":"Café","text":"Ein Kaffee"})")},
-            {"note", [](APIClient &c) { QCOMPARE(await(c.note(9)).title, QStringLiteral("Café")); },
-             "GET", "/api/notes/9", note},
+            {"keepByte into a new note",
+             [=](APIClient &c) {
+                 const Landed landed =
+                     await(c.keepByte(12, lesson, {Kept{.at = 0, .card = true}}, true, {}));
+                 QCOMPARE(landed.cards.size(), 1);
+             },
+             "POST", "/api/decks/12/byte/keep",
+             R"({"note":{"id":9,"title":"Greetings"},"cards":[)" + card + "]}",
+             QJsonObject{{"byte", encoded},
+                         {"keep", QJsonArray{QJsonObject{{"at", 0}, {"card", true}}}},
+                         {"context", true}}},
+            {"keepByte into a chosen note",
+             [=](APIClient &c) { await(c.keepByte(12, lesson, {}, false, 9)); }, "POST",
+             "/api/decks/12/byte/keep", R"({"note":{"id":9,"title":"Greetings"},"cards":[]})",
+             QJsonObject{
+                 {"byte", encoded}, {"keep", QJsonArray{}}, {"context", false}, {"note_id", 9}}},
             {"saveNote",
              [=](APIClient &c) {
                  await(c.saveNote(9, "Café", {kept, fresh}));
@@ -292,10 +188,9 @@ private slots:
                 {"id":41,"text":"Ein Kaffee, bitte.","source":"typed","kind":"text","annotations":[
                     {"kind":"gloss","span":"Kaffee","body":"coffee","term":"","edited":false,"deeper":[]}]},
                 {"text":"Noch einen.","media_id":4,"source":"","kind":"","annotations":[]}]})")},
-            {"deleteNote", [](APIClient &c) { await(c.deleteNote(9)); }, "DELETE", "/api/notes/9",
-             ""},
             {"annotateLine", [](APIClient &c) { QCOMPARE(await(c.annotateLine(9, 41)).id, 9); },
-             "POST", "/api/notes/9/annotate", wrap("note", note), object(R"({"line_id":41})")},
+             "POST", "/api/notes/9/annotate", R"({"note":)" + note + "}",
+             object(R"({"line_id":41})")},
             {"deepen",
              [](APIClient &c) {
                  const Deeper deeper = await(c.deepen(9, 41, 2));
@@ -305,29 +200,18 @@ private slots:
              "POST", "/api/notes/9/lines/41/deepen",
              R"({"deeper":{"level":2,"body":"more","last":true}})", object(R"({"at":2})")},
             {"cardFromLine with a term",
-             [](APIClient &c) {
-                 QVERIFY(await(c.cardFromLine(9, 41, QStringLiteral("Kaffee"))).already);
-             },
-             "POST", "/api/notes/9/lines/41/card", R"({"card":)" + card + R"(,"already":true})",
-             object(R"({"term":"Kaffee"})")},
+             [](APIClient &c) { QVERIFY(await(c.cardFromLine(9, 41, u"Kaffee"_qs)).already); },
+             "POST", "/api/notes/9/lines/41/card", made, object(R"({"term":"Kaffee"})")},
             {"cardFromLine without a term",
-             [](APIClient &c) { QVERIFY(!await(c.cardFromLine(9, 41, std::nullopt)).already); },
-             "POST", "/api/notes/9/lines/41/card", R"({"card":)" + card + R"(,"already":false})",
-             QJsonObject{}},
-            {"compose",
-             [](APIClient &c) {
-                 QCOMPARE(await(c.compose(9, "conj", "gehen")),
-                          QStringList({"ich gehe", "du gehst"}));
-             },
-             "POST", "/api/notes/9/compose", R"({"lines":["ich gehe","du gehst"]})",
-             object(R"({"kind":"conj","term":"gehen"})")},
+             [](APIClient &c) { await(c.cardFromLine(9, 41, std::nullopt)); }, "POST",
+             "/api/notes/9/lines/41/card", made, QJsonObject{}},
             {"compose with nothing sent back",
              [](APIClient &c) { QCOMPARE(await(c.compose(9, "mnemonic", "Hund")), std::nullopt); },
              "POST", "/api/notes/9/compose", "{}", object(R"({"kind":"mnemonic","term":"Hund"})")},
         });
     }
 
-    void pictureAndSoundCalls()
+    void pictureCalls()
     {
         FoundImage found;
         found.url = QStringLiteral("https://pictures.example/dog.jpg");
@@ -339,22 +223,15 @@ private slots:
         found.sourceUrl = QStringLiteral("https://pictures.example/page");
 
         check({
-            {"searchImages for pictures",
-             [](APIClient &c) {
-                 const ImageSearch reply = await(c.searchImages("dog", 12, "photo"));
-                 QCOMPARE(reply.query, QStringLiteral("dog"));
-                 QVERIFY(!reply.sources.has_value());
-             },
+            {"searchImages for pictures names no kind",
+             [](APIClient &c) { QVERIFY(!await(c.searchImages("dog", 12, "photo")).sources); },
              "GET",
              "/api/media/search",
              R"({"query":"dog","results":[]})",
              std::nullopt,
              {{"q", "dog"}, {"deck", "12"}}},
             {"searchImages for moving pictures",
-             [](APIClient &c) {
-                 const ImageSearch reply = await(c.searchImages("dog", 12, "gif"));
-                 QVERIFY(reply.sources && reply.sources->tenor && !reply.sources->giphy);
-             },
+             [](APIClient &c) { QVERIFY(await(c.searchImages("dog", 12, "gif")).sources); },
              "GET",
              "/api/media/search",
              R"({"query":"dog","results":[],"sources":{"tenor":true,"giphy":false}})",
@@ -378,15 +255,6 @@ private slots:
         QCOMPARE(await(client.uploadImage(png, QStringLiteral("image/png"))).id, 4);
         QCOMPARE(server.lastRequest().body, png);
         QCOMPARE(server.lastRequest().header("Content-Type"), QByteArray("image/png"));
-        QCOMPARE(server.lastRequest().header("Accept"), QByteArray("application/json"));
-
-        // Clips come from the same URL builder, with their query in a fixed order.
-        server.reply("GET", "/api/audio", 200, "ID3-mp3-bytes", "audio/mpeg");
-        const QByteArray clip = await(client.fetch(client.clipUrl("Guten Tag", "de", "0.75", "")));
-        QCOMPARE(clip, QByteArray("ID3-mp3-bytes"));
-        const QList<std::pair<QString, QString>> query{
-            {"text", "Guten Tag"}, {"lang", "de"}, {"rate", "0.75"}};
-        QCOMPARE(server.lastRequest().query, query);
     }
 };
 

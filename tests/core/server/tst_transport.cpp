@@ -1,3 +1,5 @@
+// The client's transport: addresses and their escaping, which server it talks to, how failed
+// and unreadable replies become errors, the shape of requests, and the session cookie on disk.
 #include "awaittask.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
@@ -29,146 +31,106 @@ class TestTransport : public QObject {
     std::unique_ptr<APIClient> clientFor(const QUrl &base, QString cookiePath = {})
     {
         if (cookiePath.isEmpty())
-            cookiePath = m_dir.filePath(QStringLiteral("cookies-%1").arg(++m_clients));
-        return std::make_unique<APIClient>(base, cookiePath,
-                                           m_dir.filePath(QStringLiteral("cache")));
+            cookiePath = m_dir.filePath(u"cookies-%1"_qs.arg(++m_clients));
+        return std::make_unique<APIClient>(base, cookiePath, m_dir.filePath(u"cache"_qs));
     }
 
 private slots:
     void initTestCase()
     {
         QVERIFY(m_dir.isValid());
-        LocalSettings::useFile(m_dir.filePath(QStringLiteral("orvel.conf")));
+        LocalSettings::useFile(m_dir.filePath(u"orvel.conf"_qs));
         qunsetenv("ZELON_HOST");
     }
 
     void urlsAreBuiltUnderApi()
     {
-        APIClient client(QUrl(QStringLiteral("http://127.0.0.1:8470")), m_dir.filePath("c"), {});
-        QCOMPARE(client.url(QStringLiteral("decks/12")).toString(),
-                 QStringLiteral("http://127.0.0.1:8470/api/decks/12"));
-        QCOMPARE(client.url(QStringLiteral("decks/12/cards"), {}).toString(),
-                 QStringLiteral("http://127.0.0.1:8470/api/decks/12/cards"));
-        QCOMPARE(
-            client.url(QStringLiteral("search"), {{QStringLiteral("q"), QStringLiteral("Hund")}})
-                .toString(),
-            QStringLiteral("http://127.0.0.1:8470/api/search?q=Hund"));
+        APIClient client(QUrl(u"http://127.0.0.1:8470"_qs), m_dir.filePath(u"c"_qs), {});
+        QCOMPARE(client.url(u"decks/12"_qs, {}).toString(),
+                 u"http://127.0.0.1:8470/api/decks/12"_qs);
+        QCOMPARE(client.url(u"search"_qs, {{u"q"_qs, u"Hund"_qs}}).toString(),
+                 u"http://127.0.0.1:8470/api/search?q=Hund"_qs);
 
         // Values are encoded so that spaces, plus signs and ampersands survive the trip.
-        const QUrl audio = client.clipUrl(QStringLiteral("a+b & c"), QStringLiteral("de"),
-                                          QStringLiteral("0.75"), QStringLiteral("gmw/de"));
-        QCOMPARE(audio.path(), QStringLiteral("/api/audio"));
+        const QUrl audio = client.clipUrl(u"a+b & c"_qs, u"de"_qs, u"0.75"_qs, u"gmw/de"_qs);
+        QCOMPARE(audio.path(), u"/api/audio"_qs);
         QCOMPARE(audio.query(QUrl::FullyEncoded),
-                 QStringLiteral("text=a%2Bb%20%26%20c&lang=de&rate=0.75&voice=gmw%2Fde"));
-        QCOMPARE(client.previewUrl(QStringLiteral("gmw/de"), QStringLiteral("de")).toString(),
-                 QStringLiteral("http://127.0.0.1:8470/api/audio/preview?lang=de&voice=gmw%2Fde"));
+                 u"text=a%2Bb%20%26%20c&lang=de&rate=0.75&voice=gmw%2Fde"_qs);
+        QCOMPARE(client.previewUrl(u"gmw/de"_qs, u"de"_qs).toString(),
+                 u"http://127.0.0.1:8470/api/audio/preview?lang=de&voice=gmw%2Fde"_qs);
         // Without a voice the clip's address names none.
-        QCOMPARE(
-            client.clipUrl(QStringLiteral("Hund"), QStringLiteral("de"), QStringLiteral("1"), {})
-                .query(QUrl::FullyEncoded),
-            QStringLiteral("text=Hund&lang=de&rate=1"));
+        QCOMPARE(client.clipUrl(u"Hund"_qs, u"de"_qs, u"1"_qs, {}).query(QUrl::FullyEncoded),
+                 u"text=Hund&lang=de&rate=1"_qs);
 
         // A base URL with a path of its own keeps it.
-        APIClient nested(QUrl(QStringLiteral("https://example.org/orvel/")), m_dir.filePath("c"),
-                         {});
-        QCOMPARE(nested.url(QStringLiteral("auth/me")).toString(),
-                 QStringLiteral("https://example.org/orvel/api/auth/me"));
+        APIClient nested(QUrl(u"https://example.org/orvel/"_qs), m_dir.filePath(u"c"_qs), {});
+        QCOMPARE(nested.url(u"auth/me"_qs).toString(), u"https://example.org/orvel/api/auth/me"_qs);
     }
 
     void baseUrlChoice()
     {
         const QUrl fallback = APIClient::defaultBaseUrl();
-        QCOMPARE(fallback.scheme(), QStringLiteral("https"));
-        const QStringList noArguments{QStringLiteral("orvel")};
-
+        QCOMPARE(fallback.scheme(), u"https"_qs);
+        const QStringList noArguments{u"orvel"_qs};
         QCOMPARE(APIClient::hostOverride(noArguments), std::nullopt);
 
-        LocalSettings::store().setValue(QStringLiteral("ZELON_HOST"),
-                                        QStringLiteral("http://stored:1"));
-        QCOMPARE(APIClient::hostOverride(noArguments), QUrl(QStringLiteral("http://stored:1")));
-
+        // The settings file, then the environment, then the command line, each winning.
+        LocalSettings::store().setValue(u"ZELON_HOST"_qs, u"http://stored:1"_qs);
+        QCOMPARE(APIClient::hostOverride(noArguments), QUrl(u"http://stored:1"_qs));
         qputenv("ZELON_HOST", "http://environment:2");
-        QCOMPARE(APIClient::hostOverride(noArguments),
-                 QUrl(QStringLiteral("http://environment:2")));
-
-        const QStringList dash{QStringLiteral("orvel"), QStringLiteral("-ZELON_HOST"),
-                               QStringLiteral("http://argument:3")};
-        QCOMPARE(APIClient::hostOverride(dash), QUrl(QStringLiteral("http://argument:3")));
-        const QStringList equals{QStringLiteral("orvel"),
-                                 QStringLiteral("--ZELON_HOST=http://argument:4")};
-        QCOMPARE(APIClient::hostOverride(equals), QUrl(QStringLiteral("http://argument:4")));
+        QCOMPARE(APIClient::hostOverride(noArguments), QUrl(u"http://environment:2"_qs));
+        QCOMPARE(APIClient::hostOverride({u"orvel"_qs, u"-ZELON_HOST"_qs, u"http://argument:3"_qs}),
+                 QUrl(u"http://argument:3"_qs));
+        QCOMPARE(APIClient::hostOverride({u"orvel"_qs, u"--ZELON_HOST=http://argument:4"_qs}),
+                 QUrl(u"http://argument:4"_qs));
 
         // A value that does not parse is ignored without a message: the default server is used.
         qputenv("ZELON_HOST", "not a url");
         QCOMPARE(APIClient::hostOverride(noArguments), std::nullopt);
-        APIClient client(std::nullopt, m_dir.filePath("c"), {});
-        QCOMPARE(client.baseUrl(), fallback);
+        QCOMPARE(APIClient(std::nullopt, m_dir.filePath(u"c"_qs), {}).baseUrl(), fallback);
 
         // An explicit URL wins over everything.
         qputenv("ZELON_HOST", "http://environment:2");
-        APIClient given(QUrl(QStringLiteral("http://given:5")), m_dir.filePath("c"), {});
-        QCOMPARE(given.baseUrl(), QUrl(QStringLiteral("http://given:5")));
-        APIClient fromEnvironment(std::nullopt, m_dir.filePath("c"), {});
-        QCOMPARE(fromEnvironment.baseUrl(), QUrl(QStringLiteral("http://environment:2")));
+        QCOMPARE(APIClient(QUrl(u"http://given:5"_qs), m_dir.filePath(u"c"_qs), {}).baseUrl(),
+                 QUrl(u"http://given:5"_qs));
+        QCOMPARE(APIClient(std::nullopt, m_dir.filePath(u"c"_qs), {}).baseUrl(),
+                 QUrl(u"http://environment:2"_qs));
 
         qunsetenv("ZELON_HOST");
-        LocalSettings::store().remove(QStringLiteral("ZELON_HOST"));
-    }
-
-    void zelonHostReachesTheLocalServer()
-    {
-        ScriptedServer server;
-        server.reply("GET", "/api/decks/12", 200,
-                     R"({"id":12,"name":"Deutsch","description":"","language":"de",
-                         "native_language":"en","created_at":"2026-01-01","cards":[]})");
-        qputenv("ZELON_HOST", server.baseUrl().toString().toUtf8());
-        APIClient client(std::nullopt, m_dir.filePath("z"), {});
-        qunsetenv("ZELON_HOST");
-        const Deck deck = await(client.deck(12));
-        QCOMPARE(deck.name, QStringLiteral("Deutsch"));
-        QCOMPARE(server.lastRequest().path, QStringLiteral("/api/decks/12"));
+        LocalSettings::store().remove(u"ZELON_HOST"_qs);
     }
 
     void failedRepliesBecomeApiErrors_data()
     {
         QTest::addColumn<int>("status");
         QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QByteArray>("contentType");
         QTest::addColumn<QString>("message");
-
-        QTest::newRow("server text wins") << 404 << QByteArray(R"({"error":"No such deck."})")
-                                          << QByteArray("application/json") << "No such deck.";
-        QTest::newRow("server text wins over 401")
-            << 401 << QByteArray(R"({"error":"Your session ended."})")
-            << QByteArray("application/json") << "Your session ended.";
-        QTest::newRow("401 with an empty error")
-            << 401 << QByteArray(R"({"error":""})") << QByteArray("application/json")
-            << "You are signed out.";
-        QTest::newRow("401 without a body")
-            << 401 << QByteArray() << QByteArray("text/plain") << "You are signed out.";
-        QTest::newRow("503 with an empty error")
-            << 503 << QByteArray(R"({"error":""})") << QByteArray("application/json")
-            << "The server answered 503.";
-        QTest::newRow("an HTML page") << 502 << QByteArray("<html><body>Bad gateway</body></html>")
-                                      << QByteArray("text/html") << "The server answered 502.";
-        QTest::newRow("error of the wrong type")
-            << 500 << QByteArray(R"({"error":42})") << QByteArray("application/json")
-            << "The server answered 500.";
-        QTest::newRow("other keys are not read")
-            << 422 << QByteArray(R"({"message":"Too long"})") << QByteArray("application/json")
-            << "The server answered 422.";
+        const auto row = [](const char *name, int status, const QByteArray &body,
+                            const QString &message) {
+            QTest::newRow(name) << status << body << message;
+        };
+        row("server text wins", 404, R"({"error":"No such deck."})", u"No such deck."_qs);
+        row("server text wins over 401", 401, R"({"error":"Your session ended."})",
+            u"Your session ended."_qs);
+        row("401 with an empty error", 401, R"({"error":""})", u"You are signed out."_qs);
+        row("401 without a body", 401, {}, u"You are signed out."_qs);
+        row("503 with an empty error", 503, R"({"error":""})", u"The server answered 503."_qs);
+        row("an HTML page", 502, "<html><body>Bad gateway</body></html>",
+            u"The server answered 502."_qs);
+        row("error of the wrong type", 500, R"({"error":42})", u"The server answered 500."_qs);
+        row("other keys are not read", 422, R"({"message":"Too long"})",
+            u"The server answered 422."_qs);
     }
 
     void failedRepliesBecomeApiErrors()
     {
         QFETCH(int, status);
         QFETCH(QByteArray, body);
-        QFETCH(QByteArray, contentType);
         QFETCH(QString, message);
-
+        const QByteArray type = body.startsWith('{') ? "application/json" : "text/html";
         ScriptedServer server;
-        server.reply("GET", "/api/auth/me", status, body, contentType);
-        server.reply("DELETE", "/api/decks/3", status, body, contentType);
+        server.reply("GET", "/api/auth/me", status, body, type);
+        server.reply("DELETE", "/api/decks/3", status, body, type);
         auto client = clientFor(server.baseUrl());
 
         for (int round = 0; round < 2; ++round) {
@@ -202,29 +164,25 @@ private slots:
             } catch (const APIError &error) {
                 QCOMPARE(error.status(), 0);
                 QCOMPARE(error.message(),
-                         QStringLiteral("Orvel could not read the server\u2019s reply. If this "
-                                        "keeps happening, updating the app may help."));
+                         u"Orvel could not read the server\u2019s reply. If this "_qs
+                         u"keeps happening, updating the app may help."_qs);
             }
         };
         expectCouldNotRead(client->me());          // a required field is missing
         expectCouldNotRead(client->preferences()); // not JSON
         expectCouldNotRead(client->decks());       // 204 where a record was expected
-
         // The same empty 204 is a success where no record is read.
-        const QByteArray bytes = await(client->voidCall(QStringLiteral("cards/4"), "DELETE"));
-        QVERIFY(bytes.isEmpty());
-    }
+        QVERIFY(await(client->voidCall(u"cards/4"_qs, "DELETE")).isEmpty());
 
-    void transportFailuresAreNotApiErrors()
-    {
+        // A refused connection is a transport failure, not an API error.
         int closedPort = 0;
         {
-            ScriptedServer server;
-            closedPort = server.port();
+            ScriptedServer gone;
+            closedPort = gone.port();
         }
-        auto client = clientFor(QUrl(QStringLiteral("http://127.0.0.1:%1").arg(closedPort)));
+        auto nowhere = clientFor(QUrl(u"http://127.0.0.1:%1"_qs.arg(closedPort)));
         try {
-            await(client->me());
+            await(nowhere->me());
             QFAIL("the call should have failed");
         } catch (const APIError &) {
             QFAIL("a refused connection is not an APIError");
@@ -242,22 +200,17 @@ private slots:
         auto client = clientFor(server.baseUrl());
 
         await(client->me());
-        ScriptedServer::Request get = server.lastRequest();
-        QCOMPARE(get.method, QByteArray("GET"));
+        const ScriptedServer::Request get = server.lastRequest();
         QCOMPARE(get.header("Accept"), QByteArray("application/json"));
         QVERIFY(!get.headers.contains("content-type"));
         QVERIFY(get.body.isEmpty());
-        QVERIFY(get.query.isEmpty());
 
-        const User user =
-            await(client->signIn(QStringLiteral("ana@example.org"), QStringLiteral("pässwörd")));
-        QCOMPARE(user.displayName, QStringLiteral("Ana"));
-        ScriptedServer::Request post = server.lastRequest();
-        QCOMPARE(post.method, QByteArray("POST"));
+        QCOMPARE(await(client->signIn(u"ana@example.org"_qs, u"pässwörd"_qs)).displayName,
+                 u"Ana"_qs);
+        const ScriptedServer::Request post = server.lastRequest();
         QCOMPARE(post.header("Accept"), QByteArray("application/json"));
         QCOMPARE(post.header("Content-Type"), QByteArray("application/json"));
-        const QJsonObject body = QJsonDocument::fromJson(post.body).object();
-        QCOMPARE(body.value("password").toString(), QStringLiteral("pässwörd"));
+        QCOMPARE(QJsonDocument::fromJson(post.body)["password"].toString(), u"pässwörd"_qs);
         QVERIFY(post.body.contains("p\xc3\xa4ssw\xc3\xb6rd")); // UTF-8 as it stands, not escaped
 
         // Authentication is the cookie alone.
@@ -265,16 +218,18 @@ private slots:
             QVERIFY(!request.headers.contains("authorization"));
     }
 
-    void sessionCookieSurvivesARestart()
+    void theSessionCookieLivesOnDiskUntilItExpires()
     {
         ScriptedServer server;
         server.reply("POST", "/api/auth/login", 200, userJson, "application/json",
                      {{"Set-Cookie", "orvel_session=abc123; Path=/; HttpOnly; Max-Age=2592000"}});
+        server.reply("POST", "/api/auth/logout", 200, "{}", "application/json",
+                     {{"Set-Cookie", "orvel_session=; Path=/; Max-Age=0"}});
         server.reply("GET", "/api/auth/me", 200, userJson);
-        const QString jar = m_dir.filePath(QStringLiteral("restart-cookies"));
+        const QString jar = m_dir.filePath(u"restart-cookies"_qs);
         {
             auto client = clientFor(server.baseUrl(), jar);
-            await(client->signIn(QStringLiteral("ana@example.org"), QStringLiteral("password1")));
+            await(client->signIn(u"ana@example.org"_qs, u"password1"_qs));
             await(client->me());
             QCOMPARE(server.lastRequest().header("Cookie"), QByteArray("orvel_session=abc123"));
         }
@@ -283,28 +238,14 @@ private slots:
                                             QFileDevice::WriteGroup | QFileDevice::WriteOther),
                  QFileDevice::Permissions());
 
-        // A new client after a restart still sends the session cookie.
-        server.clear();
+        // A new client after a restart still sends the session cookie...
         auto restarted = clientFor(server.baseUrl(), jar);
-        const User user = await(restarted->me());
-        QCOMPARE(user.id, 7);
+        QCOMPARE(await(restarted->me()).id, 7);
         QCOMPARE(server.lastRequest().header("Cookie"), QByteArray("orvel_session=abc123"));
-    }
-
-    void expiredCookiesAreForgotten()
-    {
-        ScriptedServer server;
-        server.reply("POST", "/api/auth/logout", 200, "{}", "application/json",
-                     {{"Set-Cookie", "orvel_session=; Path=/; Max-Age=0"}});
-        server.reply("POST", "/api/auth/login", 200, userJson, "application/json",
-                     {{"Set-Cookie", "orvel_session=xyz; Path=/; Max-Age=2592000"}});
-        server.reply("GET", "/api/auth/me", 401, R"({"error":""})");
-        const QString jar = m_dir.filePath(QStringLiteral("logout-cookies"));
-        auto client = clientFor(server.baseUrl(), jar);
-        await(client->signIn(QStringLiteral("ana@example.org"), QStringLiteral("password1")));
-        await(client->signOut());
-        auto restarted = clientFor(server.baseUrl(), jar);
-        QVERIFY_THROWS_EXCEPTION(APIError, await(restarted->me()));
+        // ...until the server expires it; then the next start sends none.
+        await(restarted->signOut());
+        auto signedOut = clientFor(server.baseUrl(), jar);
+        await(signedOut->me());
         QVERIFY(!server.lastRequest().headers.contains("cookie"));
     }
 };

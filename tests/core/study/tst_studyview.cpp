@@ -3,6 +3,7 @@
 #include "records/json.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
+#include "settledreplies.h"
 #include "sound/audiooutput.h"
 #include "sound/speech.h"
 #include "study/studyview.h"
@@ -46,6 +47,17 @@ DeckSummary deck(int id, const QString &name, const QString &language,
     d.folderId = folder;
     d.cardCount = 1;
     return d;
+}
+
+// A deck as the server sends it whole, for the sessions that load their decks.
+QByteArray deckReply(int id, const QString &name, const QString &language, const QList<Card> &cards)
+{
+    Deck d;
+    d.id = id;
+    d.name = name;
+    d.language = language;
+    d.cards = cards;
+    return json::encode(d);
 }
 
 QByteArray settings(bool hearOnFlip)
@@ -109,8 +121,6 @@ private slots:
         m_view->answer(true);
         m_view->step(1);
         QCOMPARE(m_view->state(), StudyView::State::Empty);
-        QCOMPARE(StudyView::emptyTitle(), QStringLiteral("Nothing to study"));
-        QCOMPARE(StudyView::emptyLine(), QStringLiteral("This deck has no cards yet."));
     }
 
     void aWholeSessionWithItsTally()
@@ -140,14 +150,9 @@ private slots:
         m_view->flip();
         QCOMPARE(m_view->state(), StudyView::State::Back);
         QCOMPARE(m_view->hint(), QStringLiteral("click, or press E, for the rest of the card"));
-        QCOMPARE(m_view->moreLabel(), QStringLiteral("more"));
         m_view->toggleExpanded();
         QVERIFY(m_view->expanded());
-        QCOMPARE(m_view->moreLabel(), QStringLiteral("less"));
         QVERIFY(m_view->hint().isEmpty());
-        m_view->toggleExpanded();
-        QCOMPARE(m_view->hint(), QStringLiteral("click, or press E, for the rest of the card"));
-        m_view->toggleExpanded();
         m_view->answer(true);
         QCOMPARE(m_view->index(), 1);
         QVERIFY(!m_view->flipped());
@@ -217,6 +222,7 @@ private slots:
     void aFailedReviewKeepsTheAnswer()
     {
         m_server->reply("POST", "/api/cards/1/review", 500, R"({"error":"down"})");
+        SettledReplies replies(m_api->network());
         QList<Card> handed;
         QObject listener; // the card lists' side of the notice board
         connect(&CardChanges::shared(), &CardChanges::changed, &listener,
@@ -225,17 +231,15 @@ private slots:
         m_view->flip();
         m_view->answer(true);
         QCOMPARE(m_view->tally(), QStringLiteral("1 right, 0 to come back to"));
-        QVERIFY(QTest::qWaitFor([&] { return m_server->requestCount() >= 2; }));
-        QTest::qWait(50);
+        QVERIFY(replies.waitFor(2)); // the settings and the review
         QVERIFY(handed.isEmpty());
         QCOMPARE(m_view->state(), StudyView::State::Done);
     }
 
     void repliesReachTheOpenerAfterTheSessionIsGone()
     {
-        m_server->stream("POST", "/api/cards/1/review",
-                         {{json::encode(card(1, "Hund", 1, 1, 1, 1)), 200}}, 200,
-                         "application/json");
+        m_server->reply("POST", "/api/cards/1/review", 200,
+                        json::encode(card(1, "Hund", 1, 1, 1, 1)));
         QList<Card> handed;
         QObject listener; // the card lists' side of the notice board
         connect(&CardChanges::shared(), &CardChanges::changed, &listener,
@@ -273,9 +277,9 @@ private slots:
     void withoutHearOnFlipNothingIsSpoken()
     {
         m_server->reply("GET", "/api/settings", 500, R"({"error":"down"})");
+        SettledReplies replies(m_api->network());
         m_view->start(deck(1, "Deutsch", "de"), {card(1, "Hund")});
-        QVERIFY(QTest::qWaitFor([&] { return m_server->requestCount() == 1; }));
-        QTest::qWait(30);
+        QVERIFY(replies.waitFor(1));
         m_view->flip();
         QVERIFY(m_speech->saying().isEmpty());
         QVERIFY(!m_view->hearOnFlip());
@@ -284,18 +288,12 @@ private slots:
     void aFolderSessionSpeaksEachCardInItsDecksLanguage()
     {
         m_server->reply("GET", "/api/settings", 200, settings(true));
-        Deck de;
-        de.id = 1;
-        de.name = "Deutsch";
-        de.language = "de";
-        de.cards = {card(10, "Hund", 1, 3, 3, 3), card(11, "Katze", 1)};
-        Deck fr;
-        fr.id = 2;
-        fr.name = "Français";
-        fr.language = "fr";
-        fr.cards = {card(20, "chien", 2, 3, 0, 0), card(21, "chat", 2)};
-        m_server->reply("GET", "/api/decks/1", 200, json::encode(de));
-        m_server->reply("GET", "/api/decks/2", 200, json::encode(fr));
+        m_server->reply(
+            "GET", "/api/decks/1", 200,
+            deckReply(1, "Deutsch", "de", {card(10, "Hund", 1, 3, 3, 3), card(11, "Katze", 1)}));
+        m_server->reply(
+            "GET", "/api/decks/2", 200,
+            deckReply(2, "Français", "fr", {card(20, "chien", 2, 3, 0, 0), card(21, "chat", 2)}));
         Folder folder;
         folder.id = 5;
         folder.name = "Languages";
@@ -328,18 +326,10 @@ private slots:
 
     void theStudyCommandsDeckIdsOpenOneSession()
     {
-        Deck de;
-        de.id = 1;
-        de.name = "Deutsch";
-        de.language = "de";
-        de.cards = {card(10, "Hund", 1)};
-        Deck fr;
-        fr.id = 2;
-        fr.name = "Français";
-        fr.language = "fr";
-        fr.cards = {card(20, "chien", 2)};
-        m_server->reply("GET", "/api/decks/1", 200, json::encode(de));
-        m_server->reply("GET", "/api/decks/2", 200, json::encode(fr));
+        m_server->reply("GET", "/api/decks/1", 200,
+                        deckReply(1, "Deutsch", "de", {card(10, "Hund", 1)}));
+        m_server->reply("GET", "/api/decks/2", 200,
+                        deckReply(2, "Français", "fr", {card(20, "chien", 2)}));
         QVERIFY(!m_view->studyDecks(QString()));
         QVERIFY(!m_view->studyDecks(QStringLiteral("x, ,-3")));
         QCOMPARE(m_view->state(), StudyView::State::Empty);

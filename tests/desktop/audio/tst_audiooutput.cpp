@@ -5,9 +5,9 @@
 #include "samplegain.h"
 #include "server/apiclient.h"
 #include "serverprocess.h"
+#include "skipunlessci.h"
 #include "sound/speech.h"
 
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
@@ -16,6 +16,58 @@
 
 using namespace orvel;
 using testsupport::await;
+
+namespace {
+
+constexpr int rate = 44100;
+
+// parec on the null sink's monitor, its samples (16-bit, mono) kept as they come. The sink runs
+// on its own clock, so counting its samples is how the test lets time pass for the sound.
+class Recorder {
+public:
+    Recorder()
+    {
+        QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
+                         [this] { m_pcm += m_process.readAllStandardOutput(); });
+        m_process.start(QStringLiteral("parec"),
+                        {QStringLiteral("-d"), QStringLiteral("nullsink.monitor"),
+                         QStringLiteral("--format=s16le"), QStringLiteral("--channels=1"),
+                         QStringLiteral("--rate=44100"), QStringLiteral("--latency-msec=20"),
+                         QStringLiteral("--raw")});
+    }
+    ~Recorder()
+    {
+        m_process.terminate();
+        m_process.waitForFinished();
+    }
+
+    qsizetype samples() const { return m_pcm.size() / 2; }
+    // Waits until the sink's samples come in at all: the recording has begun.
+    bool live()
+    {
+        return QTest::qWaitFor([&] { return samples() > 0; }, 20000);
+    }
+    // Waits until `count` samples have come after the first `from`.
+    bool waitPast(qsizetype from, qsizetype count)
+    {
+        return QTest::qWaitFor([&] { return samples() >= from + count; }, 20000);
+    }
+    // The loudest sample from `from` on.
+    int peak(qsizetype from = 0) const
+    {
+        const auto *pcm = reinterpret_cast<const qint16 *>(m_pcm.constData());
+        int peak = 0;
+        for (qsizetype i = from; i < samples(); ++i)
+            peak = std::max(peak, std::abs(int(pcm[i])));
+        return peak;
+    }
+
+private:
+    QProcess m_process;
+    QByteArray m_pcm;
+};
+
+} // namespace
 
 class TestAudioOutput : public QObject {
     Q_OBJECT
@@ -26,18 +78,12 @@ class TestAudioOutput : public QObject {
     std::unique_ptr<APIClient> m_api;
 
     // Plays `text` through the real output at `gain` while recording the sink; the loudest
-    // sample that reached it (16-bit, mono).
+    // sample that reached it.
     int peakOf(const QString &text, double gain, int *played = nullptr)
     {
-        QProcess recorder;
-        recorder.start(QStringLiteral("parec"),
-                       {QStringLiteral("-d"), QStringLiteral("nullsink.monitor"),
-                        QStringLiteral("--format=s16le"), QStringLiteral("--channels=1"),
-                        QStringLiteral("--rate=44100"), QStringLiteral("--raw")});
-        if (!recorder.waitForStarted())
+        Recorder recorder;
+        if (!recorder.live())
             return -1;
-        QTest::qWait(300);
-
         QtAudioOutput output;
         int firstSamples = 0;
         connect(&output, &QtAudioOutput::firstSamples, this, [&] { ++firstSamples; });
@@ -45,17 +91,12 @@ class TestAudioOutput : public QObject {
         speech.setGain(gain);
         speech.say(text, QStringLiteral("de"));
         const bool ended = QTest::qWaitFor([&] { return speech.saying().isEmpty(); }, 20000);
-        QTest::qWait(300);
-        recorder.terminate();
-        recorder.waitForFinished();
+        // A third of a second more of the sink, for the end of the clip to come through.
+        if (!recorder.waitPast(recorder.samples(), rate / 3))
+            return -1;
         if (played)
             *played = ended ? firstSamples : -1;
-        const QByteArray pcm = recorder.readAllStandardOutput();
-        const auto *samples = reinterpret_cast<const qint16 *>(pcm.constData());
-        int peak = 0;
-        for (qsizetype i = 0; i < pcm.size() / 2; ++i)
-            peak = std::max(peak, std::abs(int(samples[i])));
-        return peak;
+        return recorder.peak();
     }
 
 private slots:
@@ -63,7 +104,8 @@ private slots:
     {
         if (QStandardPaths::findExecutable(QStringLiteral("pulseaudio")).isEmpty() ||
             QStandardPaths::findExecutable(QStringLiteral("parec")).isEmpty())
-            QSKIP("pulseaudio and parec are needed to hear anything");
+            ORVEL_SKIP_UNLESS_CI("pulseaudio and parec (Debian's pulseaudio and pulseaudio-utils) "
+                                 "are needed to hear anything");
         QVERIFY(m_runtime.isValid());
         // A sound server of the test's own, reached through its own runtime folder.
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -117,30 +159,20 @@ private slots:
 
     void stopSilencesAtOnce()
     {
-        QProcess recorder;
+        Recorder recorder;
+        QVERIFY(recorder.live());
         QtAudioOutput output;
         Speech speech(*m_api, output, m_dir.path());
         speech.say(QStringLiteral("Guten Morgen, wie geht es dir?"), QStringLiteral("de"));
-        bool started = false;
-        connect(&output, &QtAudioOutput::firstSamples, this, [&] { started = true; });
-        QVERIFY(QTest::qWaitFor([&] { return started; }, 20000));
+        QVERIFY2(QTest::qWaitFor([&] { return recorder.peak() > 1000; }, 20000),
+                 "the clip never reached the sink");
         speech.stop();
         QVERIFY(speech.saying().isEmpty());
-        // Recording starts after the stop: nothing more reaches the sink.
-        QTest::qWait(100);
-        recorder.start(QStringLiteral("parec"),
-                       {QStringLiteral("-d"), QStringLiteral("nullsink.monitor"),
-                        QStringLiteral("--format=s16le"), QStringLiteral("--channels=1"),
-                        QStringLiteral("--raw")});
-        QVERIFY(recorder.waitForStarted());
-        QTest::qWait(800);
-        recorder.terminate();
-        recorder.waitForFinished();
-        const QByteArray pcm = recorder.readAllStandardOutput();
-        const auto *samples = reinterpret_cast<const qint16 *>(pcm.constData());
-        int peak = 0;
-        for (qsizetype i = 0; i < pcm.size() / 2; ++i)
-            peak = std::max(peak, std::abs(int(samples[i])));
+        // A second of the sink after the stop; past what was already on its way (a quarter of a
+        // second), nothing more reaches it.
+        const qsizetype stoppedAt = recorder.samples();
+        QVERIFY(recorder.waitPast(stoppedAt, rate));
+        const int peak = recorder.peak(stoppedAt + rate / 4);
         QVERIFY2(peak < 100, qPrintable(QStringLiteral("peak %1 after stop").arg(peak)));
     }
 

@@ -1,6 +1,7 @@
 // The desktop's dark or light appearance, read from a stand-in desktop portal on a private
 // session bus and followed as the portal announces changes, the way xdg-desktop-portal does.
 #include "platform/colourscheme.h"
+#include "skipunlessci.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -76,11 +77,8 @@ private slots:
     void initTestCase()
     {
         const QString daemon = QStandardPaths::findExecutable(QStringLiteral("dbus-daemon"));
-        if (daemon.isEmpty()) {
-            if (qEnvironmentVariable("CI") == QLatin1String("true"))
-                QFAIL("dbus-daemon is missing (Debian's dbus package)");
-            QSKIP("dbus-daemon is missing (Debian's dbus package)");
-        }
+        if (daemon.isEmpty())
+            ORVEL_SKIP_UNLESS_CI("dbus-daemon is missing (Debian's dbus package)");
         m_daemon.start(daemon, {QStringLiteral("--session"), QStringLiteral("--print-address"),
                                 QStringLiteral("--nofork")});
         QVERIFY2(m_daemon.waitForStarted(), qPrintable(m_daemon.errorString()));

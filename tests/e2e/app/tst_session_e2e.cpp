@@ -173,33 +173,6 @@ private slots:
         QCOMPARE(second.exitCode(), 0);
         QVERIFY2(view.trouble().isEmpty(), qPrintable(view.trouble()));
         QCOMPARE(state.auth(), AppState::Auth::SignedIn);
-
-        // The provider refusing: the message is what came back.
-        APIClient api2(server.baseUrl(), m_dir.filePath("cookies-provider-2"), QString());
-        testsupport::TestServices refusedServices(api2);
-        SignInView view2;
-        Browser::setOpener([&](const QUrl &start) {
-            QUrl failing = start;
-            failing.setQuery(start.query() + "&fail=access_denied");
-            QNetworkRequest request(failing);
-            request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                                 QNetworkRequest::ManualRedirectPolicy);
-            QNetworkReply *reply = browser.get(request);
-            connect(reply, &QNetworkReply::finished, this, [reply] {
-                reply->deleteLater();
-                ProviderSignIn::deliver(reply->header(QNetworkRequest::LocationHeader).toUrl());
-            });
-            return true;
-        });
-        done = false;
-        auto refuse = [&]() -> QCoro::Task<> {
-            co_await view2.continuingWith("apple");
-            done = true;
-        };
-        refuse();
-        QTRY_VERIFY_WITH_TIMEOUT(done, 15000);
-        QCOMPARE(view2.trouble(), QStringLiteral("access_denied"));
-        QCOMPARE(refusedServices.state().auth(), AppState::Auth::Unknown);
     }
 };
 
