@@ -47,6 +47,7 @@ bool Writing::take(const CardEvent &event)
     case CardEvent::Kind::Failed:
         return assign(trouble, std::optional<QString>(event.message));
     case CardEvent::Kind::Card:
+        return assign(written, true);
     case CardEvent::Kind::Unknown:
         return false;
     }

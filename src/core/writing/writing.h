@@ -21,6 +21,7 @@ struct Writing {
     Q_PROPERTY(int examples MEMBER examples)
     Q_PROPERTY(int conjugations MEMBER conjugations)
     Q_PROPERTY(bool failed READ failed)
+    Q_PROPERTY(bool written MEMBER written)
     Q_PROPERTY(QString trouble READ troubleText)
 public:
     QString id{};
@@ -32,6 +33,8 @@ public:
     int examples = 0;
     int conjugations = 0;
     std::optional<QString> trouble{};
+    // The card arrived: parts still empty will not come.
+    bool written = false;
 
     // A fresh record for the trimmed input, with a new UUID and nothing written yet.
     static Writing begin(const QString &input);
@@ -41,7 +44,8 @@ public:
 
     // Takes one progress event: a text event for term, translation, definition or usage_notes
     // sets that part; a count event for examples or conjugations sets that count; a failed event
-    // sets the trouble. Anything else changes nothing. True when the record changed.
+    // sets the trouble; the card event marks it written. Anything else changes nothing. True when
+    // the record changed.
     bool take(const CardEvent &event);
 
     // The line a screen reader announces for a progress event ("translation: dog",

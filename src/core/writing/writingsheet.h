@@ -17,6 +17,7 @@ class WritingSheet : public QAbstractListModel {
     Q_PROPERTY(orvel::Writing writing READ writing WRITE setWriting NOTIFY writingChanged)
     Q_PROPERTY(QString input READ input NOTIFY writingChanged)
     Q_PROPERTY(bool failed READ failed NOTIFY writingChanged)
+    Q_PROPERTY(bool over READ over NOTIFY writingChanged)
     Q_PROPERTY(QString heading READ heading NOTIFY writingChanged)
     Q_PROPERTY(QString trouble READ trouble NOTIFY writingChanged)
     Q_PROPERTY(int filledCount READ filledCount NOTIFY writingChanged)
@@ -38,6 +39,8 @@ public:
 
     QString input() const { return m_writing.input; }
     bool failed() const { return m_writing.failed(); }
+    // Written or failed: no more parts will arrive, so the empty rows stop waiting.
+    bool over() const { return m_writing.failed() || m_writing.written; }
     QString heading() const;
     QString trouble() const { return m_writing.troubleText(); }
     int filledCount() const;

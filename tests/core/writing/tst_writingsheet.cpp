@@ -41,7 +41,6 @@ private slots:
         QVERIFY(!writing.take(text("gender", "der")));
         QVERIFY(!writing.take(text("usage", "x"))); // the wire name is usage_notes
         QVERIFY(!writing.take(count("related", 3)));
-        QVERIFY(!writing.take(CardEvent{.kind = CardEvent::Kind::Card}));
         QVERIFY(!writing.take(CardEvent{}));
         QCOMPARE(writing, fresh);
 
@@ -60,6 +59,10 @@ private slots:
         QCOMPARE(writing.conjugations, 6);
         QVERIFY(writing.take(CardEvent{.kind = CardEvent::Kind::Failed, .message = "Gave up."}));
         QCOMPARE(writing.trouble, std::optional<QString>("Gave up."));
+        // The card itself ends the writing: what has not come by then will not come.
+        QVERIFY(!writing.written);
+        QVERIFY(writing.take(CardEvent{.kind = CardEvent::Kind::Card}));
+        QVERIFY(writing.written);
 
         QCOMPARE(Writing::narrationFor(text("translation", "dog")),
                  std::optional<QString>("translation: dog"));
@@ -137,6 +140,7 @@ private slots:
         writing.trouble = QStringLiteral("Not a German word.");
         sheet.setWriting(writing);
         QVERIFY(sheet.failed());
+        QVERIFY(sheet.over());
         QCOMPARE(sheet.heading(), QStringLiteral("NOT WRITTEN"));
         QCOMPARE(sheet.trouble(), QStringLiteral("Not a German word."));
         QCOMPARE(valueAt(sheet, 0), QStringLiteral("Hnud"));
@@ -146,6 +150,20 @@ private slots:
         QSignalSpy hidden(&sheet, &WritingSheet::hidden);
         sheet.hide();
         QCOMPARE(hidden.size(), 1);
+    }
+
+    void aWrittenCardEndsTheWaitingButIsNoFailure()
+    {
+        WritingSheet sheet;
+        Writing writing = Writing::begin(QStringLiteral("Hund"));
+        writing.term = QStringLiteral("der Hund");
+        sheet.setWriting(writing);
+        QVERIFY(!sheet.over());
+        writing.written = true;
+        sheet.setWriting(writing);
+        QVERIFY(sheet.over());
+        QVERIFY(!sheet.failed());
+        QCOMPARE(sheet.heading(), QStringLiteral("WRITING"));
     }
 
     void theEnvironmentCanAskForReducedMotion()

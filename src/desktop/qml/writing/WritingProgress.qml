@@ -55,9 +55,12 @@ ColumnLayout {
             Layout.minimumHeight: Math.round(26 * Theme.scale)
             spacing: Theme.l
             Accessible.role: Accessible.StaticText
-            // A failed writing fills no more rows: those still empty say so instead of waiting.
-            readonly property bool missing: !filled && progress.sheet !== null && progress.sheet.failed
-            Accessible.name: label + ": " + (filled ? value : missing ? "not written" : "pending")
+            // A writing that is over fills no more rows: those still empty say so instead of
+            // waiting ("not written" after a failure, "none" once the card is in).
+            readonly property bool missing: !filled && progress.sheet !== null && progress.sheet.over
+            Accessible.name: label + ": " + (filled ? value
+                                             : !missing ? "pending"
+                                             : progress.sheet.failed ? "not written" : "none")
 
             OSectionHeading {
                 Layout.preferredWidth: Math.round(100 * Theme.scale)
