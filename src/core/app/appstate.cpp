@@ -1,11 +1,11 @@
 #include "appstate.h"
 
 #include "app/services.h"
-#include "server/settingskeys.h"
 #include "app/skins.h"
 #include "app/soundcontrols.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
+#include "server/settingskeys.h"
 
 #include <QDebug>
 #include <QQmlEngine>

@@ -1,8 +1,8 @@
 #include "welcomesheet.h"
 
 #include "app/appcommands.h"
-#include "server/settingskeys.h"
 #include "server/localsettings.h"
+#include "server/settingskeys.h"
 
 namespace orvel {
 

@@ -1,12 +1,12 @@
 #include "library/shelf.h"
 
 #include "app/services.h"
-#include "server/settingskeys.h"
 #include "library/shelflisting.h"
 #include "library/shelftexts.h"
 #include "library/shutfolders.h"
 #include "library/sidebarorder.h"
 #include "server/apiclient.h"
+#include "server/settingskeys.h"
 
 #include <algorithm>
 #include <QVariantMap>

@@ -1,7 +1,7 @@
 #include "library/shutfolders.h"
 
-#include "server/settingskeys.h"
 #include "server/localsettings.h"
+#include "server/settingskeys.h"
 
 #include <algorithm>
 #include <QVariant>

@@ -1,8 +1,8 @@
 #include "apiclient.h"
 
-#include "server/settingskeys.h"
 #include "localsettings.h"
 #include "persistentcookiejar.h"
+#include "server/settingskeys.h"
 
 #include <QCoreApplication>
 #include <qcoro/qcoronetworkreply.h>
