@@ -11,23 +11,13 @@
 
 namespace orvel {
 
-namespace {
-
-// A short lesson on the topic, with the deck's notes it could be kept into.
-struct LessonOffer {
-    Byte byte;
-    QList<NoteSummary> notes;
-};
-
-QCoro::Task<LessonOffer> lessonOffer(APIClient &api, int deckId, QString topic)
+QCoro::Task<Composer::LessonOffer> Composer::lessonOffer(APIClient &api, int deckId, QString topic)
 {
     LessonOffer offer;
     offer.byte = co_await api.byte(deckId, topic);
     offer.notes = co_await api.notes(deckId);
     co_return offer;
 }
-
-} // namespace
 
 Composer::Composer(QObject *parent)
     : QObject(parent), m_services(Services::current()), m_writer(new CardWriter(this)),

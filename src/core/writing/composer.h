@@ -114,6 +114,14 @@ signals:
     void cardsLanded(const QList<orvel::Card> &cards);
 
 private:
+    // A short lesson on the topic, with the deck's notes it could be kept into. (Not in an
+    // anonymous namespace: a coroutine frame holding it must have linkage.)
+    struct LessonOffer {
+        Byte byte;
+        QList<NoteSummary> notes;
+    };
+    static QCoro::Task<LessonOffer> lessonOffer(APIClient &api, int deckId, QString topic);
+
     Writing writingOrEmpty() const { return m_writing.value_or(Writing{}); }
     void setNarration(const QString &narration);
     void setOffer(ByteSheet *offer);
