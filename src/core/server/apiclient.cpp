@@ -60,7 +60,17 @@ APIClient::APIClient(std::optional<QUrl> baseUrl, const QString &cookiePath,
     setUp(cookiePath, cachePath);
 }
 
-APIClient::~APIClient() = default;
+APIClient::~APIClient()
+{
+    // Replies still in flight are deleted with the network manager, and a coroutine awaiting a
+    // deleted reply is never resumed: it would stay suspended for good, holding its frame and
+    // those of every coroutine awaiting it. Aborted first, they finish as transport errors, so
+    // each caller resumes, sees the error (and, having outlived its own object, its QPointer
+    // guard) and returns.
+    const auto replies = m_network->findChildren<QNetworkReply *>(Qt::FindDirectChildrenOnly);
+    for (QNetworkReply *reply : replies)
+        reply->abort();
+}
 
 QUrl APIClient::defaultBaseUrl()
 {
