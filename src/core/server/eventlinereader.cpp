@@ -21,14 +21,6 @@ QList<QByteArray> EventLineReader::feed(const QByteArray &bytes)
     return out;
 }
 
-QList<QByteArray> EventLineReader::finish()
-{
-    QList<QByteArray> out;
-    if (!m_line.isEmpty())
-        endLine(out);
-    return out;
-}
-
 void EventLineReader::endLine(QList<QByteArray> &out)
 {
     static const QByteArray prefix("data:");

@@ -14,9 +14,10 @@ class EventLineReader {
 public:
     // Feeds the next bytes; returns the payloads of the data lines they completed.
     QList<QByteArray> feed(const QByteArray &bytes);
-    // The body ended. A final line without its line feed still counts, so an event the server
-    // wrote without a trailing newline is not lost.
-    QList<QByteArray> finish();
+    // True when bytes of an unfinished line are waiting for their line feed. The server ends
+    // every line it writes with one, so bytes still waiting when the body ends mean the body was
+    // cut short; they are never delivered as an event.
+    bool midLine() const { return !m_line.isEmpty(); }
 
 private:
     void endLine(QList<QByteArray> &out);

@@ -57,9 +57,12 @@ void StreamReply::finish()
     } else if (m_reply->error() != QNetworkReply::NoError) {
         m_error =
             std::make_exception_ptr(TransportError(int(m_reply->error()), m_reply->errorString()));
-    } else {
-        for (const QByteArray &payload : m_reader.finish())
-            m_payloads.enqueue(payload);
+    } else if (m_reader.midLine()) {
+        // The connection closed in the middle of an event. Depending on when the socket's close
+        // is noticed the network layer may not report it, so the cut is reported here.
+        m_error = std::make_exception_ptr(
+            TransportError(int(QNetworkReply::RemoteHostClosedError),
+                           QStringLiteral("The connection closed in the middle of an event.")));
     }
     end();
 }
