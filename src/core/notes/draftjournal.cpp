@@ -179,11 +179,16 @@ bool DraftJournal::keep(const JournalEntry &entry)
                                  "number yet.");
         return false;
     }
-    errno = 0;
-    if (!QDir().mkpath(m_folder))
-        return fail(QStringLiteral("making the folder"), errno != 0 ? errno : EACCES);
     const QByteArray folder = QFile::encodeName(m_folder);
-    if (::chmod(folder.constData(), 0700) != 0)
+    struct stat status {};
+    const bool existed = ::stat(folder.constData(), &status) == 0;
+    errno = 0;
+    if (!existed && !QDir().mkpath(m_folder))
+        return fail(QStringLiteral("making the folder"), errno != 0 ? errno : EACCES);
+    // A new folder is the owner's alone; an existing one loses what others may do with it, but
+    // keeps the owner's own bits (a folder the learner made read-only stays read-only).
+    const mode_t mode = existed ? (status.st_mode & 0700) : 0700;
+    if ((!existed || (status.st_mode & 077) != 0) && ::chmod(folder.constData(), mode) != 0)
         return fail(QStringLiteral("making the folder private"), errno);
 
     const QByteArray target = QFile::encodeName(pathFor(entry.noteId));
