@@ -14,8 +14,10 @@ std::chrono::milliseconds scale(std::chrono::milliseconds duration, double facto
 
 Timings Timings::scaled(double factor) const
 {
-    return Timings{scale(save, factor), scale(undoSnapshot, factor), scale(marginAsYouGo, factor),
-                   scale(cardUndo, factor), scale(pictureSearch, factor)};
+    return Timings{scale(save, factor),          scale(undoSnapshot, factor),
+                   scale(marginAsYouGo, factor), scale(cardUndo, factor),
+                   scale(pictureSearch, factor), scale(draftKeep, factor),
+                   scale(saveRetry, factor)};
 }
 
 Timings &Timings::shared()
