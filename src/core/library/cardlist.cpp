@@ -31,6 +31,10 @@ CardList::CardList(QObject *parent)
 {
     // A card answered in a study session (or changed anywhere else) shows its new counts here.
     connect(&CardChanges::shared(), &CardChanges::changed, this, &CardList::replaceCard);
+    // A card made elsewhere (from a note line) goes first in its deck's list, as a written one
+    // does; restoreCard ignores other decks and cards already listed.
+    connect(&CardChanges::shared(), &CardChanges::added, this,
+            [this](const Card &card) { restoreCard(card, 0); });
 }
 
 int CardList::rowCount(const QModelIndex &parent) const

@@ -3,6 +3,7 @@
 // undoable deletion with a shortened undo time.
 #include "app/timings.h"
 #include "awaittask.h"
+#include "library/cardchanges.h"
 #include "library/homeview.h"
 #include "libraryreplies.h"
 #include "scriptedserver.h"
@@ -187,6 +188,20 @@ private slots:
         QCOMPARE(detail.trouble(), QStringLiteral("Try again."));
         list().select(11);
         QVERIFY(detail.trouble().isEmpty());
+    }
+
+    void aCardMadeElsewhereJoinsItsDeck()
+    {
+        openDeck(1);
+        const auto made = [](int id, int deck, const char *term) {
+            return json::fromValue<Card>(card(id, deck, QString::fromUtf8(term)));
+        };
+        CardChanges::shared().announceAdded(made(17, 1, "die Katze"));
+        QCOMPARE(shownIds(list()), (QList<int>{17, 11, 12, 13, 14, 15, 16}));
+        // Another deck's card, or one the list holds already, changes nothing.
+        CardChanges::shared().announceAdded(made(22, 2, "gato"));
+        CardChanges::shared().announceAdded(made(17, 1, "die Katze"));
+        QCOMPARE(list().total(), 7);
     }
 
     void deletingACardCanBeUndoneAtItsIndex()
