@@ -137,6 +137,21 @@ private slots:
                            {"term", "der Hund"},
                            {"translation", "the dog"},
                            {"badge", "noun"}};
+            const QVariantMap remark{
+                {"kind", "gloss"},        {"kindLabel", "Gloss"}, {"body", "a bread roll"},
+                {"term", "Brötchen"},     {"edited", false},      {"levels", QStringList{"Why."}},
+                {"deeperText", "Deeper"}, {"canFold", true},      {"deepening", false}};
+            if (file.endsWith(QLatin1String("/NoteLineRow.qml")))
+                initial = {{"index", 0},
+                           {"key", "k"},
+                           {"lineId", 4},
+                           {"text", "zwei Brötchen"},
+                           {"pending", false},
+                           {"stale", true},
+                           {"staleText", "changed"},
+                           {"remarks", QVariantList{remark}}};
+            if (file.endsWith(QLatin1String("/NoteRemarkItem.qml")))
+                initial = {{"index", 0}, {"modelData", remark}};
             // Items go into a window, as they would in the app, so that popups have one.
             QQuickWindow window;
             std::unique_ptr<QObject> object(component.beginCreate(engine.rootContext()));

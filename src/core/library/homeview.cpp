@@ -1,12 +1,17 @@
 #include "library/homeview.h"
 
+#include "server/localsettings.h"
+#include "server/settingskeys.h"
+
 namespace orvel {
 
 HomeView::HomeView(QObject *parent)
     : QObject(parent), m_cards(new CardList(this)), m_bin(new CardBin(*m_cards, this)),
       m_detail(new CardDetail(*m_cards, *m_bin, this)), m_shelf(new Shelf(this)),
       m_folderActions(new FolderActions(*m_shelf, this)),
-      m_deckActions(new DeckActions(*m_shelf, this))
+      m_deckActions(new DeckActions(*m_shelf, this)), m_notes(new NotesPanel(this)),
+      m_notesShown(LocalSettings::store().value(settingskeys::deckPage()).toString() ==
+                   QStringLiteral("notes"))
 {
     // A card whose deletion is still pending is still counted by the server's listing.
     m_shelf->setPendingRemovals([this](int deckId) {
@@ -44,7 +49,23 @@ void HomeView::selectDeck(int deckId)
         m_cards->open(deckId);
     else
         m_cards->close();
+    if (deckId && m_notesShown)
+        m_notes->openDeck(deckId, selectedDeck().language);
     emit selectedDeckChanged();
+}
+
+void HomeView::showNotes(bool shown)
+{
+    if (shown == m_notesShown)
+        return;
+    m_notesShown = shown;
+    LocalSettings::store().setValue(settingskeys::deckPage(),
+                                    shown ? QStringLiteral("notes") : QStringLiteral("cards"));
+    // The list is read afresh each time the page comes up: lines kept from a short lesson land
+    // in notes made elsewhere.
+    if (shown && m_selectedDeck)
+        m_notes->openDeck(m_selectedDeck, selectedDeck().language);
+    emit notesShownChanged();
 }
 
 bool HomeView::openShortcut(int n)

@@ -6,6 +6,7 @@
 #include "library/deckactions.h"
 #include "library/folderactions.h"
 #include "library/shelf.h"
+#include "notes/notespanel.h"
 #include "records/decksummary.h"
 
 #include <QObject>
@@ -31,6 +32,8 @@ class HomeView : public QObject {
     Q_PROPERTY(bool hasSelectedDeck READ hasSelectedDeck NOTIFY selectedDeckChanged)
     Q_PROPERTY(orvel::DeckSummary selectedDeck READ selectedDeck NOTIFY selectedDeckChanged)
     Q_PROPERTY(QString selectedDeckName READ selectedDeckName NOTIFY selectedDeckChanged)
+    Q_PROPERTY(orvel::NotesPanel *notes READ notes CONSTANT)
+    Q_PROPERTY(bool notesShown READ notesShown WRITE showNotes NOTIFY notesShownChanged)
 public:
     explicit HomeView(QObject *parent = nullptr);
     ~HomeView() override;
@@ -41,6 +44,12 @@ public:
     CardList *cards() const { return m_cards; }
     CardDetail *detail() const { return m_detail; }
     CardBin *bin() const { return m_bin; }
+    NotesPanel *notes() const { return m_notes; }
+
+    // Whether the open deck shows its notes instead of its cards; one choice for every deck,
+    // remembered across starts.
+    bool notesShown() const { return m_notesShown; }
+    void showNotes(bool shown);
 
     int selectedDeckId() const { return m_selectedDeck; }
     bool hasSelectedDeck() const { return m_shelf->deckById(m_selectedDeck).has_value(); }
@@ -62,6 +71,7 @@ public:
 
 signals:
     void selectedDeckChanged();
+    void notesShownChanged();
 
 private:
     CardList *m_cards = nullptr;
@@ -70,7 +80,9 @@ private:
     Shelf *m_shelf = nullptr;
     FolderActions *m_folderActions = nullptr;
     DeckActions *m_deckActions = nullptr;
+    NotesPanel *m_notes = nullptr;
     int m_selectedDeck = 0;
+    bool m_notesShown = false;
 };
 
 } // namespace orvel

@@ -584,4 +584,20 @@ QCoro::Task<> NoteEditor::deleteNote()
     emit removed(id);
 }
 
+void NoteEditor::close()
+{
+    if (!m_loaded)
+        return;
+    for (QTimer *timer : {&m_saveTimer, &m_settleTimer, &m_marginTimer, &m_retryTimer})
+        timer->stop();
+    ++m_generation;
+    m_loaded = false;
+    m_noteId = 0;
+    m_lines->reset({});
+    m_title.clear();
+    emit noteChanged();
+    emit titleChanged();
+    emit linesChanged();
+}
+
 } // namespace orvel

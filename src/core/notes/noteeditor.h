@@ -114,6 +114,8 @@ public:
     // margin. Lines typed on this computer that never reached the server come back from the
     // journal and are saved.
     void open(const Note &note, int deckId, const QString &language);
+    // Shows no note (another deck was opened).
+    void close();
 
     int noteId() const { return m_noteId; }
     int deckId() const { return m_deckId; }

@@ -40,6 +40,17 @@ inline QString windowMaximised()
 {
     return QStringLiteral("zelon.window.maximised");
 }
+// Whether the list of notes is shown beside the note editor (true unless hidden).
+inline QString notesRail()
+{
+    return QStringLiteral("zelon.notes.rail");
+}
+// Which page of a deck is shown: "cards" (the default) or "notes". One choice for every deck:
+// a learner who is writing notes moves from deck to deck and stays with the notes.
+inline QString deckPage()
+{
+    return QStringLiteral("zelon.deck.page");
+}
 
 // The drag-and-drop type of a dragged deck row (its data is the deck's id).
 inline QString deckDragType()

@@ -4,13 +4,15 @@ import Orvel
 import Orvel.Core
 
 // The main menu. "New" commands are posted to whichever screen can act on them. A command
-// appears here only once a screen acts on it (notes and the manual are still to come).
+// appears here only once a screen acts on it (the manual is still to come).
 MenuBar {
     id: bar
 
     property bool signedIn: false
     // While a study session has the window, the "New" commands wait (their shortcuts too).
     property bool studying: false
+    // Whether a deck is open, for the commands that act in it ("New Note").
+    property bool deckOpen: false
 
     signal settingsRequested()
     signal quitRequested()
@@ -37,6 +39,12 @@ MenuBar {
             shortcut: "Ctrl+N"
             enabled: bar.signedIn && !bar.studying
             onTriggered: AppCommands.post(AppCommands.NewDeck)
+        }
+        Action {
+            text: "New Note"
+            shortcut: "Ctrl+Shift+N"
+            enabled: bar.signedIn && !bar.studying && bar.deckOpen
+            onTriggered: AppCommands.post(AppCommands.NewNote)
         }
         Action {
             text: "New Folder"

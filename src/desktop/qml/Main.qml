@@ -34,6 +34,8 @@ ApplicationWindow {
     menuBar: AppMenuBar {
         signedIn: AppState.signedIn
         studying: study.visible
+        deckOpen: screen.item !== null && screen.item.view !== undefined
+                  && screen.item.view.hasSelectedDeck
         onSettingsRequested: settings.showAndRaise()
         onQuitRequested: Qt.quit()
     }

@@ -85,27 +85,41 @@ Rectangle {
             color: Theme.line
         }
 
-        // The cards of the open deck.
-        CardColumn {
-            Layout.fillHeight: true
-            Layout.preferredWidth: 360 * Theme.scale
-            home: homeView
-            header: Component {
-                ComposerBar {
-                    home: homeView
-                }
-            }
-        }
-        Rectangle {
-            Layout.fillHeight: true
-            implicitWidth: 1
-            color: Theme.line
-        }
-
-        // The chosen card.
-        CardDetailPane {
+        RowLayout {
             Layout.fillHeight: true
             Layout.fillWidth: true
+            spacing: 0
+            visible: !(homeView.hasSelectedDeck && homeView.notesShown)
+
+            // The cards of the open deck.
+            CardColumn {
+                Layout.fillHeight: true
+                Layout.preferredWidth: 360 * Theme.scale
+                home: homeView
+                header: Component {
+                    ComposerBar {
+                        home: homeView
+                    }
+                }
+            }
+            Rectangle {
+                Layout.fillHeight: true
+                implicitWidth: 1
+                color: Theme.line
+            }
+
+            // The chosen card.
+            CardDetailPane {
+                Layout.fillHeight: true
+                Layout.fillWidth: true
+                home: homeView
+            }
+        }
+        // The open deck's notes.
+        NotesPanelArea {
+            Layout.fillHeight: true
+            Layout.fillWidth: true
+            visible: homeView.hasSelectedDeck && homeView.notesShown
             home: homeView
         }
     }
@@ -128,9 +142,23 @@ Rectangle {
     Connections {
         target: AppCommands
         function onPosted(command, text) {
-            if (command === AppCommands.QuickAdd)
+            if (command === AppCommands.QuickAdd) {
                 quickAdd.openWith(text)
+            } else if (command === AppCommands.NewNote && homeView.hasSelectedDeck) {
+                homeView.notesShown = true
+                homeView.notes.newNote()
+            }
         }
+    }
+    Shortcut {
+        sequence: "Alt+1"
+        enabled: homeView.hasSelectedDeck
+        onActivated: homeView.notesShown = false
+    }
+    Shortcut {
+        sequence: "Alt+2"
+        enabled: homeView.hasSelectedDeck
+        onActivated: homeView.notesShown = true
     }
 
     WelcomeSheet {

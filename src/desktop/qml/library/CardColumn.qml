@@ -84,6 +84,9 @@ Rectangle {
                 color: Theme.secondaryText
                 font.pixelSize: Theme.secondary
             }
+            DeckPageSwitch {
+                home: column.home
+            }
         }
 
         // The composer's slot.

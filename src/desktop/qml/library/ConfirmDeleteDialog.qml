@@ -7,6 +7,7 @@ OSheet {
     id: dialog
 
     property string detail: ""
+    property string confirmText: "Delete"
 
     signal confirmed()
 
@@ -27,7 +28,7 @@ OSheet {
         }
         OButton {
             destructive: true
-            text: "Delete"
+            text: dialog.confirmText
             onClicked: {
                 dialog.close()
                 dialog.confirmed()

@@ -41,7 +41,7 @@ ApplicationWindow {
                 spacing: Theme.xs
 
                 Repeater {
-                    model: ["Look", "Account"].map((name, index) => ({ name: name, index: index,
+                    model: ["Look", "Sound", "Account"].map((name, index) => ({ name: name, index: index,
                                                                        current: index === window.pane }))
                     onItemAdded: (index, item) => item.picked.connect(() => window.pane = index)
 
@@ -96,6 +96,7 @@ ApplicationWindow {
             currentIndex: window.pane
 
             LookPage {}
+            SoundPage {}
             AccountPage {}
         }
     }
