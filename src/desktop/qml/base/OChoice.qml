@@ -20,8 +20,9 @@ RowLayout {
     Accessible.name: label
 
     Repeater {
-        model: choice.options.map(option => ({ text: option.text, value: option.value,
-                                               checked: option.value === choice.current }))
+        // The options themselves, not a list remade whenever `current` changes: remaking it would
+        // destroy the segments while the enclosing layout still measures them.
+        model: choice.options
         onItemAdded: (index, item) => item.picked.connect(value => choice.chosen(value))
 
         // Radio buttons drawn as segments, so that screen readers hear radio buttons.
@@ -33,7 +34,11 @@ RowLayout {
             signal picked(var value)
 
             text: modelData.text
-            checked: modelData.checked
+            checked: modelData.value === choice.current
+            // The checked state follows `current` alone; a click asks for the choice instead of
+            // checking the segment itself, so the binding is never broken.
+            checkable: false
+            autoExclusive: false
             indicator: null
             focusPolicy: Qt.StrongFocus
             implicitHeight: Theme.controlHeight
@@ -43,11 +48,13 @@ RowLayout {
             font.pixelSize: Theme.body
 
             Accessible.name: text
-            // Follows the checked state rather than clicks: a screen reader's toggle action
-            // checks the button without a click (or a toggled signal), and the choice must
-            // follow it too. The model's own value never counts as a choice.
-            onCheckedChanged: if (checked && !modelData.checked) picked(modelData.value)
+            onClicked: picked(modelData.value)
+            Accessible.checkable: true
+            Accessible.checked: checked
+            Accessible.onPressAction: picked(modelData.value)
+            Accessible.onToggleAction: picked(modelData.value)
             Keys.onReturnPressed: picked(modelData.value)
+            Keys.onSpacePressed: picked(modelData.value)
 
             contentItem: Text {
                 text: segment.text

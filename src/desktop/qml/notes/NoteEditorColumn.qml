@@ -157,7 +157,7 @@ Rectangle {
             contentWidth: availableWidth
             clip: true
 
-            ColumnLayout {
+            Column {
                 width: scroller.availableWidth
                 spacing: 0
 
@@ -165,16 +165,16 @@ Rectangle {
                     id: lines
                     model: page.editor ? page.editor.lines : null
                     delegate: NoteLineRow {
-                        Layout.fillWidth: true
+                        width: scroller.availableWidth
                         editor: page.editor
                     }
                 }
 
                 OLabel {
-                    Layout.fillWidth: true
-                    Layout.leftMargin: Theme.xl
-                    Layout.topMargin: Theme.m
-                    Layout.bottomMargin: Theme.xl
+                    x: Theme.xl
+                    width: parent.width - 2 * Theme.xl
+                    topPadding: Theme.m
+                    bottomPadding: Theme.xl
                     visible: text !== ""
                     text: page.editor ? page.editor.hint : ""
                     color: Theme.secondaryText

@@ -137,7 +137,7 @@ Item {
     }
 
     // The margin.
-    ColumnLayout {
+    Column {
         id: margin
         x: Math.round(row.width * 0.55) + Theme.l
         width: row.width - x - Theme.l
@@ -146,7 +146,7 @@ Item {
         Repeater {
             model: row.remarks
             delegate: NoteRemarkItem {
-                Layout.fillWidth: true
+                width: margin.width
                 editor: row.editor
                 line: row.index
             }

@@ -86,16 +86,20 @@ ColumnLayout {
         }
     }
 
-    Repeater {
+    Column {
+        id: levels
+        Layout.fillWidth: true
+        Layout.leftMargin: Theme.m
+        Repeater {
         model: remark.modelData.levels
         delegate: OLabel {
             required property var modelData
-            Layout.fillWidth: true
-            Layout.leftMargin: Theme.m
+            width: levels.width
             text: modelData
             wrapMode: Text.Wrap
             color: Theme.secondaryText
             font.pixelSize: Theme.secondary
+        }
         }
     }
 
