@@ -370,22 +370,6 @@ bool NoteEditor::step(bool back)
 
 // Saving.
 
-NoteEditor::Payload NoteEditor::payload() const
-{
-    Payload sent;
-    sent.title = m_title;
-    const QList<Draft> &drafts = m_lines->drafts();
-    sent.keys.reserve(drafts.size());
-    sent.lines.reserve(drafts.size());
-    for (const Draft &draft : drafts) {
-        if (!draft.kept())
-            continue;
-        sent.keys.append(draft.key);
-        sent.lines.append(draft.toDraftLine());
-    }
-    return sent;
-}
-
 bool NoteEditor::dirty() const
 {
     return m_loaded && payload() != m_acknowledged;
@@ -411,7 +395,7 @@ QCoro::Task<bool> NoteEditor::save()
         m_saveAgain = true;
         co_return false;
     }
-    const Payload sent = payload();
+    const NoteSave sent = payload();
     if (sent == m_acknowledged)
         co_return true;
     const auto alive = m_alive;
@@ -471,9 +455,9 @@ QCoro::Task<bool> NoteEditor::flush()
     return settle();
 }
 
-void NoteEditor::acknowledge(const Payload &sent, const Note &reply)
+void NoteEditor::acknowledge(const NoteSave &sent, const Note &reply)
 {
-    Payload held = sent;
+    NoteSave held = sent;
     QHash<QUuid, int> ids;
     const qsizetype paired = std::min(sent.keys.size(), reply.lines.size());
     for (qsizetype i = 0; i < paired; ++i) {

@@ -3,6 +3,7 @@
 #include "app/servercalls.h"
 #include "notes/draft.h"
 #include "notes/notelines.h"
+#include "notes/notesave.h"
 #include "notes/undohistory.h"
 #include "records/note.h"
 
@@ -205,14 +206,7 @@ signals:
     void removed(int noteId);
 
 private:
-    // What one save sends: the title and the kept lines with the keys of their drafts.
-    struct Payload {
-        QString title;
-        QList<QUuid> keys;
-        QList<NoteDraftLine> lines;
-        bool operator==(const Payload &) const = default;
-    };
-    Payload payload() const;
+    NoteSave payload() const { return NoteSave::of(m_title, m_lines->drafts()); }
 
     // Every change of lines or title goes through here: undo record, save and journal debounce.
     void changed();
@@ -239,7 +233,7 @@ private:
     QCoro::Task<bool> settle();
     QCoro::Task<> debouncedSave();
     QCoro::Task<> deleteNote();
-    void acknowledge(const Payload &sent, const Note &reply);
+    void acknowledge(const NoteSave &sent, const Note &reply);
     // Copies the margin of the server's lines into the drafts with the same ids.
     void takeMargin(const Note &note);
     void scheduleRetry();
@@ -280,7 +274,7 @@ private:
     bool m_saveAgain = false;
     QList<QPointer<Resumer>> m_saveWaiters;
     // What the server holds, as the last acknowledged save sent it (with the ids it gave).
-    Payload m_acknowledged;
+    NoteSave m_acknowledged;
     bool m_localOnly = false;
     QString m_recovered;
     bool m_confirmingDelete = false;
