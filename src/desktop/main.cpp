@@ -9,6 +9,7 @@
 #include "app/serviceprovider.h"
 #include "app/services.h"
 #include "app/speechsound.h"
+#include "notes/journalreplay.h"
 #include "platform/audio/qtaudiooutput.h"
 #include "platform/brand.h"
 #include "platform/colourscheme.h"
@@ -66,6 +67,8 @@ int main(int argc, char *argv[])
     QtAudioOutput audio;
     Speech speech(api, audio, QDir::tempPath());
     Services services(api, state, speech);
+    // Notes whose last save never reached the server are saved once the learner is signed in.
+    JournalReplay journalReplay;
     SpeechSound sound(speech);
     state.setSound(&sound);
 

@@ -16,8 +16,8 @@ Timings Timings::scaled(double factor) const
 {
     return Timings{scale(save, factor),          scale(undoSnapshot, factor),
                    scale(marginAsYouGo, factor), scale(cardUndo, factor),
-                   scale(pictureSearch, factor), scale(draftKeep, factor),
-                   scale(saveRetry, factor)};
+                   scale(pictureSearch, factor), scale(journalRetry, factor),
+                   scale(draftKeep, factor),     scale(saveRetry, factor)};
 }
 
 Timings &Timings::shared()

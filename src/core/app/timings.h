@@ -13,6 +13,7 @@ struct Timings {
     std::chrono::milliseconds marginAsYouGo{3000}; // the margin is written this long after a save
     std::chrono::milliseconds cardUndo{7000};      // a deleted card can be brought back this long
     std::chrono::milliseconds pictureSearch{350};  // picture search waits for typing to pause
+    std::chrono::milliseconds journalRetry{30000}; // unsaved notes are offered to the server again
     std::chrono::milliseconds draftKeep{150};      // typed lines reach the journal this long after
     std::chrono::milliseconds saveRetry{2000};     // a failed note save is tried again, doubling
 

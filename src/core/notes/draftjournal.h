@@ -13,6 +13,8 @@ namespace orvel {
 // A note's drafts as the journal keeps them until the server has acknowledged them.
 struct JournalEntry {
     int noteId = 0;
+    // The note's deck, so that a note deleted elsewhere meanwhile can be made again there.
+    int deckId = 0;
     QString title{};
     QList<Draft> drafts{};
 
