@@ -2,6 +2,7 @@
 
 #include "app/servercalls.h"
 #include "notes/draft.h"
+#include "notes/draftkeeper.h"
 #include "notes/notelines.h"
 #include "notes/notesave.h"
 #include "notes/undohistory.h"
@@ -207,6 +208,12 @@ signals:
 
 private:
     NoteSave payload() const { return NoteSave::of(m_title, m_lines->drafts()); }
+    JournalEntry journalEntry() const;
+    // The journal's drafts in place of the server's lines: lines the journal has without an id
+    // take the id of a stored line with the same text that no other line claims, so lines that
+    // did reach the server are not made twice.
+    QList<Draft> recovered(const JournalEntry &kept, const Note &note) const;
+    void setRecovered(const QString &text);
 
     // Every change of lines or title goes through here: undo record, save and journal debounce.
     void changed();
@@ -253,6 +260,7 @@ private:
     ServerCalls m_calls;
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
     NoteLines *m_lines;
+    DraftKeeper m_keeper{[this] { return journalEntry(); }, [this] { return dirty(); }};
     UndoHistory m_history;
 
     int m_noteId = 0;
