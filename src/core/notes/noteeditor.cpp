@@ -196,7 +196,11 @@ QString NoteEditor::localOnlyText() const
 
 QString NoteEditor::deleteQuestion() const
 {
-    return notetexts::deleteQuestion(std::max(1, m_lines->count()));
+    // The lines the note holds: blank ones are not kept, but a note is never said to have none.
+    const QList<Draft> &drafts = m_lines->drafts();
+    const auto kept = std::count_if(drafts.begin(), drafts.end(),
+                                    [](const Draft &draft) { return draft.kept(); });
+    return notetexts::deleteQuestion(std::max(1, int(kept)));
 }
 
 QString NoteEditor::placeholder() const
