@@ -10,6 +10,7 @@
 #include "server/streamreply.h"
 
 #include <QMetaObject>
+#include <QSet>
 
 #include <algorithm>
 #include <utility>
@@ -49,6 +50,9 @@ NoteEditor::NoteEditor(QObject *parent)
 
 NoteEditor::~NoteEditor()
 {
+    // What the server has not acknowledged stays in the journal for the next time.
+    if (m_loaded && !m_deleted)
+        m_keeper.now();
     *m_alive = false;
     // A margin run reading its stream wakes from the event loop, sees the editor gone and drops
     // the stream, which closes the connection.
@@ -63,24 +67,39 @@ NoteEditor::~NoteEditor()
 
 void NoteEditor::open(const Note &note, int deckId, const QString &language)
 {
+    // Lines of the note before that the server has not got stay in the journal.
+    if (m_loaded && !m_deleted)
+        m_keeper.now();
     for (QTimer *timer : {&m_saveTimer, &m_settleTimer, &m_marginTimer, &m_retryTimer})
         timer->stop();
     ++m_generation;
     m_noteId = note.id;
     m_deckId = deckId != 0 ? deckId : note.deckId;
     m_language = language;
-    QList<Draft> drafts;
-    drafts.reserve(note.lines.size());
+    QList<Draft> stored;
+    stored.reserve(note.lines.size());
     for (const NoteLine &line : note.lines)
-        drafts.append(Draft::fromLine(line));
-    const bool fresh = drafts.isEmpty();
-    if (fresh)
+        stored.append(Draft::fromLine(line));
+
+    // Lines typed here that never reached the server come back in place of the server's.
+    const std::optional<JournalEntry> kept = m_keeper.open(note.id);
+    const NoteSave held = NoteSave::of(note.title, stored);
+    bool restoring = false;
+    if (kept) {
+        const NoteSave journaled = NoteSave::of(kept->title, kept->drafts);
+        restoring = journaled.title != held.title || journaled.lines != held.lines;
+    }
+    QList<Draft> drafts = restoring ? recovered(*kept, note) : stored;
+    if (drafts.isEmpty())
         drafts.append(Draft::empty());
     m_lines->reset(drafts);
-    for (qsizetype i = 0; i < note.lines.size(); ++i)
-        m_lines->setAnnotatedText(drafts[i].key, note.lines[i].annotatedText);
-    m_title = note.title;
-    m_acknowledged = payload();
+    for (const NoteLine &line : note.lines) {
+        const int row = m_lines->rowOfId(line.id);
+        if (row >= 0)
+            m_lines->setAnnotatedText(m_lines->at(row).key, line.annotatedText);
+    }
+    m_title = restoring ? kept->title : note.title;
+    m_acknowledged = held;
     m_history.reset(moment());
     m_loaded = true;
     m_deleted = false;
@@ -91,9 +110,9 @@ void NoteEditor::open(const Note &note, int deckId, const QString &language)
     m_reading = false;
     m_outcome.clear();
     m_cardMade.clear();
-    m_recovered.clear();
     m_calls.setTrouble({});
-    setLocalOnly(false);
+    setRecovered(restoring ? notetexts::recovered() : QString());
+    setLocalOnly(restoring);
     m_caret = -1;
     m_caretPlace = LinePlace::Keep;
     emit noteChanged();
@@ -104,12 +123,49 @@ void NoteEditor::open(const Note &note, int deckId, const QString &language)
     emit marginChanged();
     emit runChanged();
     emit cardMadeChanged();
-    emit recoveredChanged();
     // A new note starts with the caret in its one empty line; an old one waits for a click.
-    if (fresh)
+    if (note.lines.isEmpty() && m_lines->count() == 1 && m_lines->at(0).text.isEmpty())
         setCaret(0, LinePlace::End);
     else
         emit caretChanged();
+    if (restoring)
+        save();
+    else
+        m_keeper.now(); // an entry the server already holds is forgotten
+}
+
+QList<Draft> NoteEditor::recovered(const JournalEntry &kept, const Note &note) const
+{
+    QList<Draft> drafts = kept.drafts;
+    QSet<int> claimed;
+    for (const Draft &draft : drafts)
+        if (draft.id)
+            claimed.insert(*draft.id);
+    for (Draft &draft : drafts) {
+        if (draft.id || !draft.kept())
+            continue;
+        for (const NoteLine &line : note.lines) {
+            if (!claimed.contains(line.id) && line.text == draft.text) {
+                draft.id = line.id;
+                claimed.insert(line.id);
+                break;
+            }
+        }
+    }
+    return drafts;
+}
+
+JournalEntry NoteEditor::journalEntry() const
+{
+    return JournalEntry{m_noteId, m_deckId, m_title, m_lines->drafts()};
+}
+
+void NoteEditor::setRecovered(const QString &text)
+{
+    if (m_recovered == text)
+        return;
+    m_recovered = text;
+    emit recoveredChanged();
 }
 
 // Title and texts.
@@ -140,7 +196,11 @@ QString NoteEditor::localOnlyText() const
 
 QString NoteEditor::deleteQuestion() const
 {
-    return notetexts::deleteQuestion(std::max(1, m_lines->count()));
+    // The lines the note holds: blank ones are not kept, but a note is never said to have none.
+    const QList<Draft> &drafts = m_lines->drafts();
+    const auto kept = std::count_if(drafts.begin(), drafts.end(),
+                                    [](const Draft &draft) { return draft.kept(); });
+    return notetexts::deleteQuestion(std::max(1, int(kept)));
 }
 
 QString NoteEditor::placeholder() const
@@ -370,22 +430,6 @@ bool NoteEditor::step(bool back)
 
 // Saving.
 
-NoteEditor::Payload NoteEditor::payload() const
-{
-    Payload sent;
-    sent.title = m_title;
-    const QList<Draft> &drafts = m_lines->drafts();
-    sent.keys.reserve(drafts.size());
-    sent.lines.reserve(drafts.size());
-    for (const Draft &draft : drafts) {
-        if (!draft.kept())
-            continue;
-        sent.keys.append(draft.key);
-        sent.lines.append(draft.toDraftLine());
-    }
-    return sent;
-}
-
 bool NoteEditor::dirty() const
 {
     return m_loaded && payload() != m_acknowledged;
@@ -398,6 +442,9 @@ void NoteEditor::changed()
     remember();
     m_marginTimer.stop();
     m_saveTimer.start(Timings::shared().save);
+    m_keeper.soon();
+    if (!m_saving && !m_localOnly)
+        setRecovered({});
     emit linesChanged();
     emit marginChanged();
 }
@@ -411,12 +458,14 @@ QCoro::Task<bool> NoteEditor::save()
         m_saveAgain = true;
         co_return false;
     }
-    const Payload sent = payload();
+    const NoteSave sent = payload();
     if (sent == m_acknowledged)
         co_return true;
     const auto alive = m_alive;
     const quint64 generation = m_generation;
     m_retryTimer.stop();
+    // On disk before it goes: whatever happens to the call, the lines are not lost.
+    m_keeper.now();
     setSaving(true);
     auto reply = co_await m_calls.run(m_api.saveNote(m_noteId, sent.title, sent.lines),
                                       CallOptions().quiet());
@@ -430,13 +479,23 @@ QCoro::Task<bool> NoteEditor::save()
     if (ok) {
         acknowledge(sent, *reply);
         m_failures = 0;
+        // Forgotten when the server holds everything; otherwise kept again with the new ids.
+        m_keeper.now();
         setLocalOnly(false);
+        if (!m_recovered.isEmpty())
+            setRecovered(notetexts::recoveredSaved());
     } else if (current) {
         ++m_failures;
         setLocalOnly(true);
         scheduleRetry();
     }
     wakeSaveWaiters();
+    if (!current) {
+        // The reply was about the note before: the one open now may have its own to send.
+        if (!m_deleted && !m_saving && dirty())
+            save();
+        co_return false;
+    }
     if (ok) {
         emit saved(*reply);
         if (!*alive)
@@ -468,12 +527,13 @@ QCoro::Task<bool> NoteEditor::settle()
 
 QCoro::Task<bool> NoteEditor::flush()
 {
+    m_keeper.now();
     return settle();
 }
 
-void NoteEditor::acknowledge(const Payload &sent, const Note &reply)
+void NoteEditor::acknowledge(const NoteSave &sent, const Note &reply)
 {
-    Payload held = sent;
+    NoteSave held = sent;
     QHash<QUuid, int> ids;
     const qsizetype paired = std::min(sent.keys.size(), reply.lines.size());
     for (qsizetype i = 0; i < paired; ++i) {
@@ -579,6 +639,7 @@ QCoro::Task<> NoteEditor::deleteNote()
             m_saveTimer.start(Timings::shared().save);
         co_return;
     }
+    m_keeper.drop();
     m_loaded = false;
     emit noteChanged();
     emit removed(id);

@@ -2,7 +2,9 @@
 
 #include "app/servercalls.h"
 #include "notes/draft.h"
+#include "notes/draftkeeper.h"
 #include "notes/notelines.h"
+#include "notes/notesave.h"
 #include "notes/undohistory.h"
 #include "records/note.h"
 
@@ -207,14 +209,13 @@ signals:
     void removed(int noteId);
 
 private:
-    // What one save sends: the title and the kept lines with the keys of their drafts.
-    struct Payload {
-        QString title;
-        QList<QUuid> keys;
-        QList<NoteDraftLine> lines;
-        bool operator==(const Payload &) const = default;
-    };
-    Payload payload() const;
+    NoteSave payload() const { return NoteSave::of(m_title, m_lines->drafts()); }
+    JournalEntry journalEntry() const;
+    // The journal's drafts in place of the server's lines: lines the journal has without an id
+    // take the id of a stored line with the same text that no other line claims, so lines that
+    // did reach the server are not made twice.
+    QList<Draft> recovered(const JournalEntry &kept, const Note &note) const;
+    void setRecovered(const QString &text);
 
     // Every change of lines or title goes through here: undo record, save and journal debounce.
     void changed();
@@ -241,7 +242,7 @@ private:
     QCoro::Task<bool> settle();
     QCoro::Task<> debouncedSave();
     QCoro::Task<> deleteNote();
-    void acknowledge(const Payload &sent, const Note &reply);
+    void acknowledge(const NoteSave &sent, const Note &reply);
     // Copies the margin of the server's lines into the drafts with the same ids.
     void takeMargin(const Note &note);
     void scheduleRetry();
@@ -261,6 +262,7 @@ private:
     ServerCalls m_calls;
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
     NoteLines *m_lines;
+    DraftKeeper m_keeper{[this] { return journalEntry(); }, [this] { return dirty(); }};
     UndoHistory m_history;
 
     int m_noteId = 0;
@@ -282,7 +284,7 @@ private:
     bool m_saveAgain = false;
     QList<QPointer<Resumer>> m_saveWaiters;
     // What the server holds, as the last acknowledged save sent it (with the ids it gave).
-    Payload m_acknowledged;
+    NoteSave m_acknowledged;
     bool m_localOnly = false;
     QString m_recovered;
     bool m_confirmingDelete = false;

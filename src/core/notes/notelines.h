@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <QtQml/qqmlregistration.h>
 #include <QUuid>
 #include <QVariantList>
 
@@ -17,6 +18,8 @@ namespace orvel {
 // never rebuilt under the learner's hands.
 class NoteLines : public QAbstractListModel {
     Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The lines belong to NoteEditor")
     Q_PROPERTY(int count READ count NOTIFY countChanged)
 public:
     enum Role {

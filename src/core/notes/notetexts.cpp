@@ -119,6 +119,12 @@ QString recovered()
                           "back. They are being saved now.");
 }
 
+QString recoveredSaved()
+{
+    return QStringLiteral(
+        "Lines typed on this computer that had not reached the server are back and saved.");
+}
+
 QString unknownKind(const QString &kind)
 {
     return QStringLiteral("“%1” is not a kind of remark.").arg(kind);

@@ -43,6 +43,8 @@ QString cardMade(const QString &term, bool already);
 QString localOnly();
 // "Lines typed on this computer that had not reached the server are back. …"
 QString recovered();
+// "Lines typed on this computer that had not reached the server are back and saved."
+QString recoveredSaved();
 // "“x” is not a kind of remark.": a kind the margin does not know.
 QString unknownKind(const QString &kind);
 

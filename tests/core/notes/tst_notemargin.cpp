@@ -6,12 +6,14 @@
 #include "app/timings.h"
 #include "library/cardchanges.h"
 #include "notereplies.h"
+#include "notes/draftjournal.h"
 #include "notes/noteeditor.h"
 #include "records/json.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "testservices.h"
 
+#include <QDir>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -74,6 +76,8 @@ private slots:
     void initTestCase() { qputenv("XDG_DATA_HOME", m_dir.filePath("data").toUtf8()); }
     void init()
     {
+        // Each case starts with no lines journaled from the one before.
+        QDir(DraftJournal::defaultFolder()).removeRecursively();
         Timings::shared() = Timings{}.scaled(0.02);
         m_server = std::make_unique<ScriptedServer>();
         m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());

@@ -1,0 +1,210 @@
+// The note editor and the draft journal: lines the server has not acknowledged are on disk,
+// acknowledged ones are not, lines journaled on this computer come back when their note is
+// opened and are saved, and the open note is claimed from the background replay.
+#include "app/timings.h"
+#include "awaittask.h"
+#include "notereplies.h"
+#include "notes/draftjournal.h"
+#include "notes/journalclaim.h"
+#include "notes/noteeditor.h"
+#include "records/json.h"
+#include "scriptedserver.h"
+#include "server/apiclient.h"
+#include "testservices.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace orvel;
+using namespace notereplies;
+
+namespace {
+
+const QString NotePath = QStringLiteral("/api/notes/7");
+
+QStringList journaledTexts(int noteId)
+{
+    QStringList texts;
+    if (const auto entry = DraftJournal().read(noteId))
+        for (const Draft &draft : entry->drafts)
+            texts.append(draft.text);
+    return texts;
+}
+
+int saveCount(const ScriptedServer &server)
+{
+    int count = 0;
+    for (const auto &request : server.requests())
+        count += request.method == "PATCH" && request.path == NotePath ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+class TestEditorJournal : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    std::unique_ptr<ScriptedServer> m_server;
+    std::unique_ptr<APIClient> m_api;
+    std::unique_ptr<testsupport::TestServices> m_services;
+    std::unique_ptr<NoteEditor> m_editor;
+
+    void open(const QList<Line> &lines, const QString &title = {})
+    {
+        m_editor->open(json::decode<Note>(noteJson(7, title, lines)), 3, QStringLiteral("de"));
+    }
+
+private slots:
+    void initTestCase() { qputenv("XDG_DATA_HOME", m_dir.filePath("data").toUtf8()); }
+    void init()
+    {
+        QDir(DraftJournal::defaultFolder()).removeRecursively();
+        Timings::shared() = Timings{}.scaled(0.02);
+        m_server = std::make_unique<ScriptedServer>();
+        m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());
+        m_services = std::make_unique<testsupport::TestServices>(*m_api);
+        m_editor = std::make_unique<NoteEditor>();
+    }
+    void cleanup()
+    {
+        m_editor.reset();
+        m_services.reset();
+        m_api.reset();
+        m_server.reset();
+        Timings::shared() = Timings{};
+    }
+
+    void linesStayOnDiskUntilTheServerHasThem()
+    {
+        m_server->reply("PATCH", NotePath, 503, R"({"error":"The store is busy."})");
+        open({{11, "eins"}});
+        NoteEditor &editor = *m_editor;
+        QVERIFY(JournalClaim::claimed(7));
+        QSignalSpy saved(&editor, &NoteEditor::saved);
+        editor.edit(0, QStringLiteral("eins zwei"));
+        editor.key(0, int(NoteEditor::LineKey::Newline));
+        editor.edit(1, QStringLiteral("drei"));
+        QTRY_COMPARE(journaledTexts(7), QStringList({"eins zwei", "drei"}));
+        QTRY_COMPARE(editor.trouble(), QStringLiteral("The store is busy."));
+        QCOMPARE(editor.localOnlyText(),
+                 QStringLiteral("Some lines are only on this computer until the server answers."));
+        QCOMPARE(DraftJournal().read(7)->deckId, 3);
+
+        m_server->reply("PATCH", NotePath, 200, noteJson(7, {}, {{11, "eins zwei"}, {12, "drei"}}));
+        QTRY_COMPARE(saved.count(), 1);
+        QVERIFY(!DraftJournal().read(7));
+        QVERIFY(!editor.localOnly());
+
+        // A change the server has not answered yet is on disk again, and goes when it answers.
+        m_server->stream("PATCH", NotePath,
+                         {{noteJson(7, {}, {{11, "eins"}, {12, "drei"}}), "answer"}}, 200,
+                         "application/json");
+        editor.edit(0, QStringLiteral("eins"));
+        QTRY_COMPARE(saveCount(*m_server), 3);
+        QCOMPARE(journaledTexts(7), QStringList({"eins", "drei"}));
+        QCOMPARE(DraftJournal().read(7)->drafts[1].id, 12);
+        m_server->open("answer");
+        QTRY_COMPARE(saved.count(), 2);
+        QVERIFY(!DraftJournal().read(7));
+    }
+
+    void closingKeepsWhatTheServerLacks()
+    {
+        Timings::shared().save = std::chrono::minutes(1);
+        open({{11, "eins"}});
+        m_editor->edit(0, QStringLiteral("eins und zwei"));
+        m_editor.reset();
+        QVERIFY(!JournalClaim::claimed(7));
+        QCOMPARE(journaledTexts(7), QStringList({"eins und zwei"}));
+    }
+
+    void flushSavesAtOnce()
+    {
+        Timings::shared().save = std::chrono::minutes(1);
+        m_server->reply("PATCH", NotePath, 200, noteJson(7, {}, {{11, "eins und zwei"}}));
+        open({{11, "eins"}});
+        m_editor->edit(0, QStringLiteral("eins und zwei"));
+        QVERIFY(testsupport::await(m_editor->flush()));
+        QCOMPARE(saveCount(*m_server), 1);
+        QVERIFY(!DraftJournal().read(7));
+        // Nothing left: a second flush sends nothing.
+        QVERIFY(testsupport::await(m_editor->flush()));
+        QCOMPARE(saveCount(*m_server), 1);
+    }
+
+    void journaledLinesComeBackAndAreSaved()
+    {
+        // Typed here before: line 11 changed, "zwei" sent once without its id coming back, and
+        // "drei" new. The server still has the old first line and "zwei".
+        JournalEntry entry{7, 3, QStringLiteral("Am Bahnhof"), {}};
+        Draft first = Draft::withText(QStringLiteral("eins und mehr"));
+        first.id = 11;
+        entry.drafts = {first, Draft::withText(QStringLiteral("zwei")), Draft::empty(),
+                        Draft::withText(QStringLiteral("drei"))};
+        QVERIFY(DraftJournal().keep(entry));
+        m_server->reply(
+            "PATCH", NotePath, 200,
+            noteJson(7, "Am Bahnhof", {{11, "eins und mehr"}, {12, "zwei"}, {13, "drei"}}));
+        QSignalSpy saved(m_editor.get(), &NoteEditor::saved);
+        open({{11, "eins"}, {12, "zwei"}});
+        NoteEditor &editor = *m_editor;
+        QCOMPARE(editor.recoveredText(),
+                 QStringLiteral("Lines typed on this computer that had not reached the server are "
+                                "back. They are being saved now."));
+        QVERIFY(editor.localOnly());
+        QCOMPARE(editor.title(), QStringLiteral("Am Bahnhof"));
+        QCOMPARE(editor.lines()->count(), 4);
+        QTRY_COMPARE(saved.count(), 1);
+        // "zwei" took the id of the stored line with its words: it is not made twice.
+        const QJsonArray sent =
+            QJsonDocument::fromJson(m_server->lastRequest().body)["lines"].toArray();
+        QCOMPARE(sent.size(), 3);
+        QCOMPARE(sent[0]["id"].toInt(), 11);
+        QCOMPARE(sent[1]["id"].toInt(), 12);
+        QVERIFY(!sent[2].toObject().contains("id"));
+        QCOMPARE(editor.lines()->at(3).id, 13);
+        QVERIFY(!DraftJournal().read(7));
+        QVERIFY(!editor.localOnly());
+        QCOMPARE(editor.recoveredText(),
+                 QStringLiteral("Lines typed on this computer that had not reached the server are "
+                                "back and saved."));
+        editor.edit(3, QStringLiteral("drei!"));
+        QCOMPARE(editor.recoveredText(), QString());
+    }
+
+    void anEntryTheServerAlreadyHoldsIsForgotten()
+    {
+        JournalEntry entry{7, 3, {}, {}};
+        Draft line = Draft::withText(QStringLiteral("eins"));
+        line.id = 11;
+        entry.drafts = {line};
+        QVERIFY(DraftJournal().keep(entry));
+        open({{11, "eins"}});
+        QCOMPARE(m_editor->recoveredText(), QString());
+        QVERIFY(!DraftJournal().read(7));
+        QCOMPARE(m_server->requestCount(), 0);
+    }
+
+    void aDeletedNoteLeavesNothingBehind()
+    {
+        m_server->reply("PATCH", NotePath, 503, R"({"error":"The store is busy."})");
+        m_server->reply("DELETE", NotePath, 204, {});
+        open({{11, "eins"}});
+        QSignalSpy removed(m_editor.get(), &NoteEditor::removed);
+        m_editor->edit(0, QStringLiteral("eins zwei"));
+        QTRY_VERIFY(DraftJournal().read(7).has_value());
+        m_editor->requestDelete();
+        m_editor->confirmDelete();
+        QTRY_COMPARE(removed.count(), 1);
+        QVERIFY(!DraftJournal().read(7));
+        QVERIFY(!JournalClaim::claimed(7));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestEditorJournal)
+#include "tst_editorjournal.moc"
