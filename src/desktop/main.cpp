@@ -10,6 +10,7 @@
 #include "app/services.h"
 #include "app/speechsound.h"
 #include "notes/journalreplay.h"
+#include "notes/quitflush.h"
 #include "platform/audio/qtaudiooutput.h"
 #include "platform/brand.h"
 #include "platform/colourscheme.h"
@@ -118,5 +119,9 @@ int main(int argc, char *argv[])
 
     launches.handle(request, false);
     state.restore();
-    return app.exec();
+    const int code = app.exec();
+    // A line typed just before quitting goes to the server now rather than at the next start;
+    // what does not make it in time stays in the draft journal.
+    flushNotesBeforeQuitting(std::chrono::seconds(3));
+    return code;
 }

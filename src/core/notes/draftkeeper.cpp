@@ -64,6 +64,14 @@ void DraftKeeper::drop()
     m_claim.release();
 }
 
+void DraftKeeper::leave()
+{
+    now();
+    m_kept.reset();
+    m_noteId = 0;
+    m_claim.release();
+}
+
 void DraftKeeper::forgetKept()
 {
     if (!m_kept)

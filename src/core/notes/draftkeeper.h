@@ -33,6 +33,9 @@ public:
     bool now();
     // The note is gone from the server: its entry goes too, and the claim.
     void drop();
+    // The editor leaves the note: what the server lacks is kept now, and the claim is let go so
+    // the background replay takes the entry over.
+    void leave();
     bool holds() const { return m_kept.has_value(); }
     QString error() const { return m_journal.error(); }
 

@@ -30,6 +30,12 @@ QString trimmedOfSpaces(QString text)
     return text.mid(from, to - from);
 }
 
+QList<NoteEditor *> &liveEditors()
+{
+    static QList<NoteEditor *> editors;
+    return editors;
+}
+
 } // namespace
 
 NoteEditor::NoteEditor(QObject *parent)
@@ -46,10 +52,17 @@ NoteEditor::NoteEditor(QObject *parent)
         if (dirty())
             save();
     });
+    liveEditors().append(this);
+}
+
+const QList<NoteEditor *> &NoteEditor::editors()
+{
+    return liveEditors();
 }
 
 NoteEditor::~NoteEditor()
 {
+    liveEditors().removeOne(this);
     // What the server has not acknowledged stays in the journal for the next time.
     if (m_loaded && !m_deleted)
         m_keeper.now();
@@ -649,6 +662,8 @@ void NoteEditor::close()
 {
     if (!m_loaded)
         return;
+    if (!m_deleted)
+        m_keeper.leave();
     for (QTimer *timer : {&m_saveTimer, &m_settleTimer, &m_marginTimer, &m_retryTimer})
         timer->stop();
     ++m_generation;

@@ -184,6 +184,10 @@ public:
     // for quitting (the app bounds the wait; the journal keeps what did not make it). True when
     // the server holds the note as it is.
     QCoro::Task<bool> flush();
+    // The editors that exist, oldest first, for the app's last save before it quits.
+    static const QList<NoteEditor *> &editors();
+    // Whether the open note has changes the server has not acknowledged.
+    bool unsaved() const { return dirty(); }
     // The margin run over the pending lines (false) or every line (true); ends when the run
     // does.
     QCoro::Task<> annotate(bool all);

@@ -7,6 +7,7 @@
 #include "notes/draftjournal.h"
 #include "notes/journalclaim.h"
 #include "notes/noteeditor.h"
+#include "notes/quitflush.h"
 #include "records/json.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
@@ -121,6 +122,34 @@ private slots:
         m_editor.reset();
         QVERIFY(!JournalClaim::claimed(7));
         QCOMPARE(journaledTexts(7), QStringList({"eins und zwei"}));
+
+        // Leaving the note for another deck does the same, and lets the replay take it over.
+        m_editor = std::make_unique<NoteEditor>();
+        open({{11, "eins"}});
+        m_editor->edit(0, QStringLiteral("eins, zwei, drei"));
+        m_editor->close();
+        QVERIFY(!m_editor->loaded());
+        QVERIFY(!JournalClaim::claimed(7));
+        QCOMPARE(journaledTexts(7), QStringList({"eins, zwei, drei"}));
+    }
+
+    void quittingSavesWhatItCanInTime()
+    {
+        Timings::shared().save = std::chrono::minutes(1);
+        m_server->reply("PATCH", NotePath, 200, noteJson(7, {}, {{11, "eins und zwei"}}));
+        open({{11, "eins"}});
+        QVERIFY(flushNotesBeforeQuitting(std::chrono::seconds(5))); // nothing to save
+        QCOMPARE(saveCount(*m_server), 0);
+        m_editor->edit(0, QStringLiteral("eins und zwei"));
+        QVERIFY(flushNotesBeforeQuitting(std::chrono::seconds(5)));
+        QCOMPARE(saveCount(*m_server), 1);
+
+        // A server that does not answer in time: the wait ends, the journal keeps the line.
+        m_server->stream("PATCH", NotePath, {{noteJson(7, {}, {{11, "x"}}), "never"}}, 200,
+                         "application/json");
+        m_editor->edit(0, QStringLiteral("eins, zwei und drei"));
+        QVERIFY(!flushNotesBeforeQuitting(std::chrono::milliseconds(100)));
+        QCOMPARE(journaledTexts(7), QStringList({"eins, zwei und drei"}));
     }
 
     void flushSavesAtOnce()
