@@ -1,6 +1,7 @@
 // Feeds arbitrary bytes, split at a point chosen by the input, through the event-line reader and
 // decodes every payload as each of the four event types. Nothing may crash or hang; undecodable
 // events must surface as json::DecodeError only.
+#include "records/json.h"
 #include "server/eventlinereader.h"
 #include "server/events/annotateevent.h"
 #include "server/events/batchevent.h"

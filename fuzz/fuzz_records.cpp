@@ -62,6 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QByteArray bytes =
         QByteArray::fromRawData(reinterpret_cast<const char *>(data), qsizetype(size));
     const QJsonDocument document = QJsonDocument::fromJson(bytes);
+    tryDecode<orvel::Done>(bytes, document);
     tryDecode<orvel::Deck>(bytes, document);
     tryDecode<orvel::Note>(bytes, document);
     tryDecode<orvel::Preferences>(bytes, document);

@@ -329,11 +329,14 @@ template <Record R> struct Codec<R> {
         std::size_t hint = 0; // replies usually list keys in a stable order
         while (reader.nextKey(first, key)) {
             std::size_t index = count;
-            for (std::size_t n = 0; n < count; ++n) {
-                const std::size_t candidate = (hint + n) % count;
-                if (keys[candidate] == key) {
-                    index = candidate;
-                    break;
+            // A record without fields (Done) reads no key; its count must never be a divisor.
+            if constexpr (count > 0) {
+                for (std::size_t n = 0; n < count; ++n) {
+                    const std::size_t candidate = (hint + n) % count;
+                    if (keys[candidate] == key) {
+                        index = candidate;
+                        break;
+                    }
                 }
             }
             if (index == count) {

@@ -196,6 +196,15 @@ private slots:
 
         QCOMPARE(json::decode<Done>(R"({"ok":true,"sent":[1,2]})"), Done{});
         QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<Done>("[]"));
+        // A record without fields still reads every key of the text (and so its syntax), however
+        // many there are, through both decoders.
+        QCOMPARE(json::decode<Done>("{}"), Done{});
+        QCOMPARE(json::decode<Done>(R"({"a":{"b":[{}]},"a":null,"c":"\u00e9","d":-0.5e3})"),
+                 Done{});
+        QCOMPARE(json::fromValue<Done>(QJsonObject{{"a", 1}, {"b", QJsonArray{}}}), Done{});
+        QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<Done>(R"({"a":{"b":[1,]}})"));
+        QVERIFY_THROWS_EXCEPTION(DecodeError, json::decode<Done>(R"({"a":1,})"));
+        QVERIFY_THROWS_EXCEPTION(DecodeError, json::fromValue<Done>(QJsonValue("x")));
     }
 
     void preferencesKeepVoiceKeysAsSent()
