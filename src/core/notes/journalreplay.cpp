@@ -57,8 +57,12 @@ void JournalReplay::authChanged()
 void JournalReplay::tick()
 {
     // Entries appear on disk from open editors too (a save that failed before the editor was
-    // closed), so each tick looks again rather than only after a failed run.
+    // closed), so each tick looks again rather than only after a failed run. A tick during a run
+    // adds nothing: that run reads every entry, and asking it to go round again would keep a run
+    // that takes longer than the retry interval from ever ending.
     refreshWaiting();
+    if (m_running)
+        return;
     const QList<int> notes = m_journal.notes();
     for (const int note : notes)
         if (!JournalClaim::claimed(note)) {

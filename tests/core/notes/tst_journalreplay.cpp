@@ -196,6 +196,31 @@ private slots:
         QCOMPARE(requestsTo(*m_server, "/api/notes/5").size(), 1);
         QCOMPARE(replayed.size(), 1);
     }
+
+    void aRunSlowerThanTheRetryIntervalEnds()
+    {
+        // Note 5's save is held for many retry intervals; note 6 can be neither saved nor made
+        // again. The run still ends after trying each once, rather than going round again for
+        // every tick that came while it waited.
+        QVERIFY(m_journal->keep(entryFor(5)));
+        QVERIFY(m_journal->keep(entryFor(6)));
+        m_server->stream("PATCH", "/api/notes/5", {{noteReply(5), "slow"}}, 200,
+                         "application/json");
+        m_server->reply("PATCH", "/api/notes/6", 404, R"({"error": "No such note."})");
+        m_server->reply("POST", "/api/decks/3/notes", 404, R"({"error": "No such deck."})");
+        JournalReplay replay;
+        qsizetype triesOfSixAtTheEnd = -1;
+        connect(&replay, &JournalReplay::replayed, this, [&] {
+            if (triesOfSixAtTheEnd < 0)
+                triesOfSixAtTheEnd = requestsTo(*m_server, "/api/notes/6").size();
+        });
+        signIn();
+        QTest::qWait(int(Timings::shared().journalRetry.count()) * 5);
+        m_server->open("slow");
+        QTRY_VERIFY(triesOfSixAtTheEnd >= 0);
+        QCOMPARE(triesOfSixAtTheEnd, 1);
+        QCOMPARE(m_journal->notes(), QList<int>{6});
+    }
 };
 
 QTEST_GUILESS_MAIN(TestJournalReplay)
