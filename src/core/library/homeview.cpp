@@ -1,5 +1,6 @@
 #include "library/homeview.h"
 
+#include "library/cardchanges.h"
 #include "server/localsettings.h"
 #include "server/settingskeys.h"
 
@@ -21,6 +22,9 @@ HomeView::HomeView(QObject *parent)
     connect(m_bin, &CardBin::binned, this,
             [this](const Card &card) { m_shelf->adjustCardCount(card.deckId, -1); });
     connect(m_bin, &CardBin::restored, this,
+            [this](const Card &card) { m_shelf->adjustCardCount(card.deckId, +1); });
+    // A card made elsewhere (from a note's line) counts on its deck's row.
+    connect(&CardChanges::shared(), &CardChanges::added, this,
             [this](const Card &card) { m_shelf->adjustCardCount(card.deckId, +1); });
     connect(m_shelf, &Shelf::changed, this, [this] {
         // The open deck may have gone, or been renamed.

@@ -3,6 +3,7 @@
 // and their names, deleting folders and decks, and the study entry points.
 #include "app/appcommands.h"
 #include "awaittask.h"
+#include "library/cardchanges.h"
 #include "library/deckfiling.h"
 #include "library/homeview.h"
 #include "library/newdecksheet.h"
@@ -107,6 +108,23 @@ private slots:
         await(home.shelf()->load());
         QCOMPARE(home.shelf()->trouble(), QStringLiteral("Couldn't load your decks"));
         QCOMPARE(home.shelf()->decks().size(), 5);
+    }
+
+    void cardsMadeElsewhereCountOnTheirDeck()
+    {
+        const auto home = loadedHome();
+        const auto countOf = [&](int row) {
+            return home->shelf()->sidebar()->index(row).data(SidebarModel::CountRole).toInt();
+        };
+        Card made;
+        made.id = 70;
+        made.deckId = 3;
+        made.term = QStringLiteral("le chien");
+        CardChanges::shared().announceAdded(made); // a card made from a note's line
+        QCOMPARE(countOf(6), 65);
+        CardChanges::shared().announce(made); // a card that changed is not a new one
+        QCOMPARE(countOf(6), 65);
+        QCOMPARE(countOf(1), 42);
     }
 
     void anEmptyShelf()
