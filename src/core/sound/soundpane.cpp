@@ -24,6 +24,8 @@ void SoundPane::reload()
 
 bool SoundPane::marginAsYouGo() const
 {
+    if (m_sending)
+        return *m_sending;
     return m_preferences && m_preferences->marginAsYouGo.value_or(false);
 }
 
@@ -31,6 +33,9 @@ void SoundPane::setMarginAsYouGo(bool on)
 {
     if (!m_preferences || on == marginAsYouGo())
         return;
+    // The switch shows the choice at once; the server's answer confirms or undoes it.
+    m_sending = on;
+    emit preferencesChanged();
     SettingsChange change;
     change.marginAsYouGo = on;
     save(change);
@@ -41,6 +46,7 @@ QCoro::Task<> SoundPane::save(SettingsChange change)
     const auto reply = co_await m_calls.run(m_api.saveSettings(std::move(change)));
     if (reply.gone())
         co_return;
+    m_sending.reset();
     if (reply) {
         adopt(*reply);
         co_return;

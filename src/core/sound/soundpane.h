@@ -51,6 +51,7 @@ private:
     AppState &m_state;
     ServerCalls m_calls{this, &SoundPane::workingChanged, &SoundPane::troubleChanged};
     std::optional<Preferences> m_preferences;
+    std::optional<bool> m_sending; // the switch's value while its change is on its way
 };
 
 } // namespace orvel

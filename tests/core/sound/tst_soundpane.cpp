@@ -50,7 +50,9 @@ private slots:
         QVERIFY(!pane.marginAsYouGo());
 
         pane.setMarginAsYouGo(true);
-        QTRY_VERIFY(pane.marginAsYouGo());
+        QVERIFY(pane.marginAsYouGo()); // shown at once
+        QTRY_VERIFY(!pane.saving());
+        QVERIFY(pane.marginAsYouGo());
         const auto sent = QJsonDocument::fromJson(server.lastRequest().body).object();
         QCOMPARE(sent.size(), 1); // only the switch that changed
         QCOMPARE(sent.constBegin().value(), QJsonValue(true));
@@ -60,6 +62,7 @@ private slots:
         server.reply("PATCH", "/api/settings", 503, R"({"error":"Try again in a minute."})");
         QSignalSpy changed(&pane, &SoundPane::preferencesChanged);
         pane.setMarginAsYouGo(false);
+        QVERIFY(!pane.marginAsYouGo()); // shown at once, while the change is on its way
         QTRY_COMPARE(pane.trouble(), "Try again in a minute.");
         QVERIFY(pane.marginAsYouGo());
         QVERIFY(!changed.isEmpty()); // the switch is told to show the kept value again

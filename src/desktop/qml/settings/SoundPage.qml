@@ -45,8 +45,14 @@ ScrollView {
             Accessible.role: Accessible.CheckBox
             Accessible.name: text
             Accessible.checked: checked
-            Accessible.onToggleAction: toggle()
-            onToggled: sound.marginAsYouGo = checked
+            // The pane holds the value: a click hands it over and takes the binding back, so
+            // the switch shows what the pane says (the server's, or the change on its way).
+            Accessible.onPressAction: sound.marginAsYouGo = !sound.marginAsYouGo
+            Accessible.onToggleAction: sound.marginAsYouGo = !sound.marginAsYouGo
+            onToggled: {
+                sound.marginAsYouGo = checked
+                checked = Qt.binding(() => sound.marginAsYouGo)
+            }
         }
         OLabel {
             Layout.fillWidth: true
