@@ -47,6 +47,9 @@ Rectangle {
                 placeholderText: page.editor ? page.editor.titlePlaceholder : ""
                 text: page.editor ? page.editor.title : ""
                 onTextEdited: page.editor.title = text
+                // A long title shows its beginning whenever the field is not being edited.
+                onTextChanged: if (!activeFocus) cursorPosition = 0
+                onActiveFocusChanged: if (!activeFocus) cursorPosition = 0
                 color: Theme.text
                 placeholderTextColor: Theme.secondaryText
                 selectionColor: Theme.accentWash
@@ -126,16 +129,27 @@ Rectangle {
             Item { Layout.fillWidth: true }
         }
 
-        // What the editor has to say.
+        // What went wrong, and below it what the editor has to say: a failed save shows both
+        // its reason and that the lines are only on this computer.
         OLabel {
             Layout.fillWidth: true
             Layout.leftMargin: Theme.xl
             Layout.rightMargin: Theme.l
             wrapMode: Text.Wrap
             font.pixelSize: Theme.secondary
-            color: page.editor && page.editor.trouble !== "" ? Theme.danger : Theme.secondaryText
+            color: Theme.danger
+            text: page.editor ? page.editor.trouble : ""
+            visible: text !== ""
+            Accessible.role: Accessible.StaticText
+        }
+        OLabel {
+            Layout.fillWidth: true
+            Layout.leftMargin: Theme.xl
+            Layout.rightMargin: Theme.l
+            wrapMode: Text.Wrap
+            font.pixelSize: Theme.secondary
+            color: Theme.secondaryText
             text: !page.editor ? ""
-                  : page.editor.trouble !== "" ? page.editor.trouble
                   : page.editor.annotating ? page.editor.progressText
                   : page.editor.recoveredText !== "" ? page.editor.recoveredText
                   : page.editor.localOnly ? page.editor.localOnlyText
@@ -190,10 +204,37 @@ Rectangle {
         function onCaretMovesChanged() {
             page.focusLine(page.editor.caret, page.editor.caretPlace)
         }
+        function onNoteIdChanged() {
+            page.enterIfOpen()
+        }
         function onConfirmingDeleteChanged() {
             if (page.editor.confirmingDelete)
                 confirmDelete.open()
         }
+    }
+
+    Connections {
+        target: page.panel
+        function onOpeningChanged() {
+            page.enterIfOpen()
+        }
+    }
+
+    // A note picked from the list takes the caret into its last line once it is open, so the
+    // learner can go on writing (or ask for the margin) without reaching for the mouse.
+    property bool entering: false
+
+    function enterWhenOpen() {
+        entering = true
+        enterIfOpen()
+    }
+
+    function enterIfOpen() {
+        if (!entering || !editor || !panel || !editor.loaded || panel.opening
+                || editor.noteId !== panel.openedId)
+            return
+        entering = false
+        Qt.callLater(() => page.focusLine(lines.count - 1, NoteEditor.End))
     }
 
     function focusLine(index, place) {

@@ -16,6 +16,7 @@ RowLayout {
         Layout.preferredWidth: 280 * Theme.scale
         visible: area.home !== null && area.home.notes.rail
         home: area.home
+        onPicked: editorColumn.enterWhenOpen()
     }
     Rectangle {
         Layout.fillHeight: true
@@ -24,6 +25,7 @@ RowLayout {
         visible: area.home !== null && area.home.notes.rail
     }
     NoteEditorColumn {
+        id: editorColumn
         Layout.fillHeight: true
         Layout.fillWidth: true
         home: area.home

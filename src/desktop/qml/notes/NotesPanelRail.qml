@@ -15,6 +15,14 @@ Rectangle {
     property HomeView home: null
     readonly property NotesPanel panel: home ? home.notes : null
 
+    // A note was picked from the list (click, Return or a screen reader's press).
+    signal picked(int noteId)
+
+    function pick(noteId) {
+        panel.open(noteId)
+        picked(noteId)
+    }
+
     color: Theme.surface
 
     ColumnLayout {
@@ -106,7 +114,7 @@ Rectangle {
                 boundsBehavior: Flickable.StopAtBounds
                 Accessible.role: Accessible.List
                 Accessible.name: "Notes"
-                Keys.onReturnPressed: if (currentItem) rail.panel.open(currentItem.noteId)
+                Keys.onReturnPressed: if (currentItem) rail.pick(currentItem.noteId)
                 ScrollBar.vertical: ScrollBar {}
 
                 delegate: ItemDelegate {
@@ -126,12 +134,12 @@ Rectangle {
                     focusPolicy: Qt.NoFocus
                     Accessible.role: Accessible.ListItem
                     Accessible.name: shownTitle + ", " + lineSummary
-                    Accessible.onPressAction: rail.panel.open(noteId)
+                    Accessible.onPressAction: rail.pick(noteId)
 
                     readonly property string lineSummary: (lineCount === 1 ? "1 line" : lineCount + " lines")
                         + (pendingCount > 0 ? " · " + pendingCount + " without a margin" : "")
 
-                    onClicked: rail.panel.open(noteId)
+                    onClicked: rail.pick(noteId)
 
                     contentItem: ColumnLayout {
                         spacing: 2
