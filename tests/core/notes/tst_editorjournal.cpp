@@ -3,6 +3,7 @@
 // opened and are saved, and the open note is claimed from the background replay.
 #include "app/timings.h"
 #include "awaittask.h"
+#include "editorsuite.h"
 #include "notereplies.h"
 #include "notes/draftjournal.h"
 #include "notes/journalclaim.h"
@@ -23,10 +24,9 @@
 
 using namespace orvel;
 using namespace notereplies;
+using namespace notetests;
 
 namespace {
-
-const QString NotePath = QStringLiteral("/api/notes/7");
 
 QStringList journaledTexts(int noteId)
 {
@@ -37,48 +37,14 @@ QStringList journaledTexts(int noteId)
     return texts;
 }
 
-int saveCount(const ScriptedServer &server)
-{
-    int count = 0;
-    for (const auto &request : server.requests())
-        count += request.method == "PATCH" && request.path == NotePath ? 1 : 0;
-    return count;
-}
-
 } // namespace
 
-class TestEditorJournal : public QObject {
+class TestEditorJournal : public notetests::EditorSuite {
     Q_OBJECT
-    QTemporaryDir m_dir;
-    std::unique_ptr<ScriptedServer> m_server;
-    std::unique_ptr<APIClient> m_api;
-    std::unique_ptr<testsupport::TestServices> m_services;
-    std::unique_ptr<NoteEditor> m_editor;
-
-    void open(const QList<Line> &lines, const QString &title = {})
-    {
-        m_editor->open(json::decode<Note>(noteJson(7, title, lines)), 3, QStringLiteral("de"));
-    }
 
 private slots:
-    void initTestCase() { qputenv("XDG_DATA_HOME", m_dir.filePath("data").toUtf8()); }
-    void init()
-    {
-        QDir(DraftJournal::defaultFolder()).removeRecursively();
-        Timings::shared() = Timings{}.scaled(0.02);
-        m_server = std::make_unique<ScriptedServer>();
-        m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());
-        m_services = std::make_unique<testsupport::TestServices>(*m_api);
-        m_editor = std::make_unique<NoteEditor>();
-    }
-    void cleanup()
-    {
-        m_editor.reset();
-        m_services.reset();
-        m_api.reset();
-        m_server.reset();
-        Timings::shared() = Timings{};
-    }
+    void init() { setUpEditor(); }
+    void cleanup() { tearDownEditor(); }
 
     void linesStayOnDiskUntilTheServerHasThem()
     {

@@ -3,6 +3,7 @@
 // retries, undo steps and their limit, the title offered, deleting the note, and the rows the
 // view model reports.
 #include "app/timings.h"
+#include "editorsuite.h"
 #include "notereplies.h"
 #include "notes/draftjournal.h"
 #include "notes/noteeditor.h"
@@ -23,24 +24,14 @@
 
 using namespace orvel;
 using namespace notereplies;
+using namespace notetests;
 using Key = NoteEditor::LineKey;
 
 namespace {
 
-const QString NotePath = QStringLiteral("/api/notes/7");
-
 int key(Key k)
 {
     return int(k);
-}
-
-QList<ScriptedServer::Request> saves(const ScriptedServer &server)
-{
-    QList<ScriptedServer::Request> found;
-    for (const auto &request : server.requests())
-        if (request.method == "PATCH" && request.path == NotePath)
-            found.append(request);
-    return found;
 }
 
 // The texts and ids a save sent.
@@ -78,39 +69,12 @@ Draft picture()
 
 } // namespace
 
-class TestNoteEditor : public QObject {
+class TestNoteEditor : public notetests::EditorSuite {
     Q_OBJECT
-    QTemporaryDir m_dir;
-    std::unique_ptr<ScriptedServer> m_server;
-    std::unique_ptr<APIClient> m_api;
-    std::unique_ptr<testsupport::TestServices> m_services;
-    std::unique_ptr<NoteEditor> m_editor;
-
-    void open(const QList<Line> &lines, const QString &title = {})
-    {
-        m_editor->open(json::decode<Note>(noteJson(7, title, lines)), 3, QStringLiteral("de"));
-    }
 
 private slots:
-    void initTestCase() { qputenv("XDG_DATA_HOME", m_dir.filePath("data").toUtf8()); }
-    void init()
-    {
-        // Each case starts with no lines journaled from the one before.
-        QDir(DraftJournal::defaultFolder()).removeRecursively();
-        Timings::shared() = Timings{}.scaled(0.02);
-        m_server = std::make_unique<ScriptedServer>();
-        m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());
-        m_services = std::make_unique<testsupport::TestServices>(*m_api);
-        m_editor = std::make_unique<NoteEditor>();
-    }
-    void cleanup()
-    {
-        m_editor.reset();
-        m_services.reset();
-        m_api.reset();
-        m_server.reset();
-        Timings::shared() = Timings{};
-    }
+    void init() { setUpEditor(); }
+    void cleanup() { tearDownEditor(); }
 
     void keysAtTheEdgesOfTheNote()
     {

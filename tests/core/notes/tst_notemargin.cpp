@@ -4,6 +4,7 @@
 // lines.
 #include "app/appstate.h"
 #include "app/timings.h"
+#include "editorsuite.h"
 #include "library/cardchanges.h"
 #include "notereplies.h"
 #include "notes/draftjournal.h"
@@ -23,20 +24,12 @@
 
 using namespace orvel;
 using namespace notereplies;
+using namespace notetests;
 using Key = NoteEditor::LineKey;
 
 namespace {
 
-const QString NotePath = QStringLiteral("/api/notes/7");
 const QString AnnotatePath = QStringLiteral("/api/notes/7/annotate");
-
-int countOf(const ScriptedServer &server, const QByteArray &method, const QString &path)
-{
-    int count = 0;
-    for (const auto &request : server.requests())
-        count += request.method == method && request.path == path ? 1 : 0;
-    return count;
-}
 
 QVariantMap remark(const NoteLines &lines, int row, int at)
 {
@@ -53,18 +46,8 @@ QByteArray cardJson(int id, const QByteArray &term)
 
 } // namespace
 
-class TestNoteMargin : public QObject {
+class TestNoteMargin : public notetests::EditorSuite {
     Q_OBJECT
-    QTemporaryDir m_dir;
-    std::unique_ptr<ScriptedServer> m_server;
-    std::unique_ptr<APIClient> m_api;
-    std::unique_ptr<testsupport::TestServices> m_services;
-    std::unique_ptr<NoteEditor> m_editor;
-
-    void open(const QList<Line> &lines, const QString &title = {})
-    {
-        m_editor->open(json::decode<Note>(noteJson(7, title, lines)), 3, QStringLiteral("de"));
-    }
     void marginAsYouGo(bool on)
     {
         Preferences preferences;
@@ -73,25 +56,8 @@ class TestNoteMargin : public QObject {
     }
 
 private slots:
-    void initTestCase() { qputenv("XDG_DATA_HOME", m_dir.filePath("data").toUtf8()); }
-    void init()
-    {
-        // Each case starts with no lines journaled from the one before.
-        QDir(DraftJournal::defaultFolder()).removeRecursively();
-        Timings::shared() = Timings{}.scaled(0.02);
-        m_server = std::make_unique<ScriptedServer>();
-        m_api = std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("jar"), QString());
-        m_services = std::make_unique<testsupport::TestServices>(*m_api);
-        m_editor = std::make_unique<NoteEditor>();
-    }
-    void cleanup()
-    {
-        m_editor.reset();
-        m_services.reset();
-        m_api.reset();
-        m_server.reset();
-        Timings::shared() = Timings{};
-    }
+    void init() { setUpEditor(); }
+    void cleanup() { tearDownEditor(); }
 
     void aRunReadEventByEvent()
     {
