@@ -242,11 +242,9 @@ QCoro::Task<> NoteEditor::annotateQuietly()
 
 void NoteEditor::editRemark(int line, int remark, const QString &body)
 {
-    if (line < 0 || line >= m_lines->count())
+    if (!m_lines->hasRemark(line, remark))
         return;
     Draft draft = m_lines->at(line);
-    if (remark < 0 || remark >= draft.annotations.size())
-        return;
     if (blankText(body)) {
         m_lines->remarkRemoved(line, remark);
         draft.annotations.remove(remark);
@@ -263,11 +261,9 @@ void NoteEditor::editRemark(int line, int remark, const QString &body)
 
 void NoteEditor::setRemarkKind(int line, int remark, const QString &kind)
 {
-    if (line < 0 || line >= m_lines->count())
+    if (!m_lines->hasRemark(line, remark))
         return;
     Draft draft = m_lines->at(line);
-    if (remark < 0 || remark >= draft.annotations.size())
-        return;
     if (!Annotation::kindFromRawValue(kind)) {
         m_calls.setTrouble(notetexts::unknownKind(kind));
         return;
@@ -283,11 +279,9 @@ void NoteEditor::setRemarkKind(int line, int remark, const QString &kind)
 
 void NoteEditor::deeper(int line, int remark)
 {
-    if (!m_loaded || line < 0 || line >= m_lines->count())
+    if (!m_loaded || !m_lines->hasRemark(line, remark))
         return;
     const Draft &draft = m_lines->at(line);
-    if (remark < 0 || remark >= draft.annotations.size())
-        return;
     const QList<Deeper> &levels = draft.annotations[remark].deeper;
     const int shown = m_lines->unfolded(line, remark);
     // Levels already written are unfolded without asking the server again.
@@ -302,8 +296,6 @@ void NoteEditor::deeper(int line, int remark)
 
 void NoteEditor::lessDeep(int line, int remark)
 {
-    if (line < 0 || line >= m_lines->count())
-        return;
     const int shown = m_lines->unfolded(line, remark);
     if (shown > 0)
         m_lines->setUnfolded(line, remark, shown - 1);

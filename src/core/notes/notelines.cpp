@@ -204,9 +204,14 @@ QString NoteLines::remarkKey(const QUuid &key, int remark)
     return key.toString(QUuid::WithoutBraces) + u':' + QString::number(remark);
 }
 
+bool NoteLines::hasRemark(int row, int remark) const
+{
+    return row >= 0 && row < count() && remark >= 0 && remark < m_drafts[row].annotations.size();
+}
+
 int NoteLines::unfolded(int row, int remark) const
 {
-    if (row < 0 || row >= count() || remark < 0 || remark >= m_drafts[row].annotations.size())
+    if (!hasRemark(row, remark))
         return 0;
     const int stored = int(m_drafts[row].annotations[remark].deeper.size());
     return std::clamp(m_unfolded.value(remarkKey(m_drafts[row].key, remark)), 0, stored);

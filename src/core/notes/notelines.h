@@ -74,6 +74,8 @@ public:
     bool pending(int row) const;
     int pendingCount() const;
 
+    // Whether the line at row has a remark at that place.
+    bool hasRemark(int row, int remark) const;
     // How many deeper levels of a remark are unfolded (at most as many as it holds).
     int unfolded(int row, int remark) const;
     void setUnfolded(int row, int remark, int levels);
