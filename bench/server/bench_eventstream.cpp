@@ -8,7 +8,6 @@
 #include <benchmark/benchmark.h>
 #include <chrono>
 #include <httplib.h>
-#include <QCoreApplication>
 #include <QTemporaryDir>
 #include <thread>
 
@@ -117,12 +116,3 @@ void socketToConsumerDelay(benchmark::State &state)
 BENCHMARK(socketToConsumerDelay)->Iterations(5)->Unit(benchmark::kMillisecond);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -7,7 +7,6 @@
 #include "writers/writerfactory.h"
 
 #include <benchmark/benchmark.h>
-#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -114,12 +113,3 @@ void BM_RenderClipCached(benchmark::State &state)
 BENCHMARK(BM_RenderClipCached)->Unit(benchmark::kMicrosecond);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}

@@ -122,12 +122,3 @@ void rowUpdate(benchmark::State &state)
 BENCHMARK(rowUpdate);
 
 } // namespace
-
-int main(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
