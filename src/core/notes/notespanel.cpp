@@ -14,6 +14,7 @@ NotesPanel::NotesPanel(QObject *parent)
 {
     connect(m_editor, &NoteEditor::saved, this, &NotesPanel::noteSaved);
     connect(m_editor, &NoteEditor::removed, this, &NotesPanel::noteRemoved);
+    connect(m_editor, &NoteEditor::marginChanged, this, &NotesPanel::marginTaken);
 }
 
 NotesPanel::~NotesPanel() = default;
@@ -224,6 +225,19 @@ void NotesPanel::noteSaved(const Note &note)
         pending += line.state != NoteLine::rawValue(NoteLine::State::Annotated);
     summary.pendingCount = pending;
     emit dataChanged(index(row), index(row));
+}
+
+void NotesPanel::marginTaken()
+{
+    const int row = m_editor->loaded() ? rowOf(m_editor->noteId()) : -1;
+    if (row < 0)
+        return;
+    NoteSummary &summary = m_shelf[row];
+    const int pending = m_editor->pendingCount();
+    if (summary.pendingCount == pending)
+        return;
+    summary.pendingCount = pending;
+    emit dataChanged(index(row), index(row), {PendingRole});
 }
 
 void NotesPanel::noteRemoved(int noteId)

@@ -97,6 +97,8 @@ signals:
 private:
     void show(const Note &note);
     void noteSaved(const Note &note);
+    // The open note's lines gained or lost their margin: its row says how many still wait.
+    void marginTaken();
     void noteRemoved(int noteId);
     int rowOf(int noteId) const;
     void setLoaded(bool loaded);

@@ -1,5 +1,7 @@
 // The notes page of a deck: its list, opening a note once however often it is asked for, making
 // a new note, the rail's remembered choice, and the list following the editor's saves.
+#include "app/appstate.h"
+#include "app/timings.h"
 #include "awaittask.h"
 #include "notereplies.h"
 #include "notes/noteeditor.h"
@@ -18,6 +20,7 @@
 
 using namespace orvel;
 using notereplies::noteJson;
+using notereplies::remarkJson;
 using testsupport::await;
 
 class TestNotesPanel : public QObject {
@@ -45,6 +48,7 @@ private slots:
 
     void cleanup()
     {
+        Timings::shared() = Timings{};
         delete m_services;
         delete m_api;
         delete m_server;
@@ -129,6 +133,39 @@ private slots:
         QVERIFY(panel.editor()->loaded());
         QCOMPARE(panel.editor()->noteId(), 9);
         QVERIFY(!panel.starting());
+    }
+
+    void theListFollowsTheOpenNote()
+    {
+        Timings::shared() = Timings{}.scaled(0.02);
+        Preferences preferences;
+        preferences.marginAsYouGo = true;
+        m_services->state().storePreferences(preferences);
+        const QByteArray roll = "[" + remarkJson("gloss", "bread roll") + "]";
+        const QByteArray please = "[" + remarkJson("gloss", "please") + "]";
+        m_server->reply("GET", "/api/notes/7", 200,
+                        noteJson(7, "At the bakery",
+                                 {{700, "zwei Brötchen", roll, "zwei Brötchen"}, {701, "bitte"}}));
+        m_server->reply("PATCH", "/api/notes/7", 200,
+                        noteJson(7, "Beim Bäcker",
+                                 {{700, "drei Brötchen", roll, "zwei Brötchen"}, {701, "bitte"}}));
+        m_server->reply(
+            "POST", "/api/notes/7/annotate", 200,
+            "{\"note\":" + noteJson(7, "Beim Bäcker", {{701, "bitte", please, "bitte"}}) + "}");
+        NotesPanel panel;
+        QAbstractItemModelTester tester(&panel);
+        await(panel.load(3, QStringLiteral("de")));
+        await(panel.openNote(7));
+        const auto pending = [&] { return panel.data(panel.index(0), NotesPanel::PendingRole); };
+
+        // The save renames the row; the changed line waits for its margin again.
+        panel.editor()->setTitle(QStringLiteral("Beim Bäcker"));
+        panel.editor()->edit(0, QStringLiteral("drei Brötchen"));
+        QTRY_COMPARE(panel.data(panel.index(0), NotesPanel::ShownTitleRole), "Beim Bäcker");
+        QCOMPARE(pending(), 2);
+        // The margin written as the learner goes counts too.
+        QTRY_COMPARE(m_server->lastRequest().path, "/api/notes/7/annotate");
+        QTRY_COMPARE(pending(), 1);
     }
 
     void theRailIsRemembered()
