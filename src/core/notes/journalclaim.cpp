@@ -1,5 +1,7 @@
 #include "notes/journalclaim.h"
 
+#include "notes/claimnotice.h"
+
 #include <QHash>
 
 #include <utility>
@@ -46,9 +48,12 @@ void JournalClaim::release()
     if (m_noteId == 0)
         return;
     auto &counts = holders();
-    const auto it = counts.find(std::exchange(m_noteId, 0));
-    if (it != counts.end() && --it.value() <= 0)
+    const int noteId = std::exchange(m_noteId, 0);
+    const auto it = counts.find(noteId);
+    if (it != counts.end() && --it.value() <= 0) {
         counts.erase(it);
+        emit ClaimNotice::shared().released(noteId);
+    }
 }
 
 bool JournalClaim::claimed(int noteId)

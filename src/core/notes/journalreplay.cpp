@@ -3,6 +3,7 @@
 #include "app/appstate.h"
 #include "app/services.h"
 #include "app/timings.h"
+#include "notes/claimnotice.h"
 #include "notes/journalclaim.h"
 #include "server/apiclient.h"
 
@@ -29,6 +30,11 @@ JournalReplay::JournalReplay(QObject *parent)
     m_retry.setSingleShot(false);
     connect(&m_retry, &QTimer::timeout, this, &JournalReplay::tick);
     connect(&m_state, &AppState::authChanged, this, &JournalReplay::authChanged);
+    // A note its editor let go of (another note opened, the editor closed) may leave lines the
+    // server lacks: they go now, not on the next round. Queued, so that an editor that takes the
+    // note straight back keeps it, and so that nothing starts while the app is shutting down.
+    connect(&ClaimNotice::shared(), &ClaimNotice::released, this, &JournalReplay::replay,
+            Qt::QueuedConnection);
     refreshWaiting();
     authChanged();
 }

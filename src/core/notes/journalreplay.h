@@ -15,10 +15,11 @@ class AppState;
 
 // Saves the notes whose lines the journal still holds because their save never got through: a
 // lost connection, a server that was down, an app that quit or was killed before the save. It
-// runs when the learner signs in and then every `Timings::journalRetry` while signed in, saving
-// each journaled note that no open editor claims (JournalClaim) and removing its entry once the
-// server acknowledged that content. A note the server no longer has is made again in its deck
-// so that its lines survive. Entries that cannot be saved stay for the next run.
+// runs when the learner signs in, when an editor lets a note go (ClaimNotice), and every
+// `Timings::journalRetry` while signed in, saving each journaled note that no open editor claims
+// (JournalClaim) and removing its entry once the server acknowledged that content. A note the
+// server no longer has is made again in its deck so that its lines survive. Entries that cannot
+// be saved stay for the next run.
 class JournalReplay : public QObject {
     Q_OBJECT
     Q_PROPERTY(int waiting READ waiting NOTIFY waitingChanged)

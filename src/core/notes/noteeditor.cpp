@@ -3,6 +3,7 @@
 #include "app/appstate.h"
 #include "app/services.h"
 #include "app/timings.h"
+#include "notes/journalclaim.h"
 #include "notes/notetexts.h"
 #include "notes/notetitle.h"
 #include "server/apiclient.h"
@@ -479,6 +480,9 @@ QCoro::Task<bool> NoteEditor::save()
     m_retryTimer.stop();
     // On disk before it goes: whatever happens to the call, the lines are not lost.
     m_keeper.now();
+    // Held until the answer is in, also when another note is opened meanwhile: a save of the
+    // journal's newer lines for this note must not overtake this one and be overwritten by it.
+    const JournalClaim inFlight(m_noteId);
     setSaving(true);
     auto reply = co_await m_calls.run(m_api.saveNote(m_noteId, sent.title, sent.lines),
                                       CallOptions().quiet());

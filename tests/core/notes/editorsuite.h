@@ -14,6 +14,8 @@
 
 #include <memory>
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QObject>
 #include <QTemporaryDir>
 
@@ -43,6 +45,15 @@ inline int countOf(const ScriptedServer &server, const QByteArray &method, const
 inline QList<ScriptedServer::Request> saves(const ScriptedServer &server)
 {
     return requestsTo(server, "PATCH", NotePath);
+}
+
+// The texts a save sent, in order.
+inline QStringList sentTexts(const ScriptedServer::Request &request)
+{
+    QStringList texts;
+    for (const QJsonValue &line : QJsonDocument::fromJson(request.body)["lines"].toArray())
+        texts.append(line["text"].toString());
+    return texts;
 }
 
 inline int saveCount(const ScriptedServer &server)

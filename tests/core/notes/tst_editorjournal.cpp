@@ -1,12 +1,14 @@
 // The note editor and the draft journal: lines the server has not acknowledged are on disk,
 // acknowledged ones are not, lines journaled on this computer come back when their note is
 // opened and are saved, and the open note is claimed from the background replay.
+#include "app/appstate.h"
 #include "app/timings.h"
 #include "awaittask.h"
 #include "editorsuite.h"
 #include "notereplies.h"
 #include "notes/draftjournal.h"
 #include "notes/journalclaim.h"
+#include "notes/journalreplay.h"
 #include "notes/noteeditor.h"
 #include "notes/quitflush.h"
 #include "records/json.h"
@@ -95,8 +97,38 @@ private slots:
         m_editor->edit(0, QStringLiteral("eins, zwei, drei"));
         m_editor->close();
         QVERIFY(!m_editor->loaded());
-        QVERIFY(!JournalClaim::claimed(7));
+        QTRY_VERIFY(
+            !JournalClaim::claimed(7)); // once the save of the lines found again is answered
         QCOMPARE(journaledTexts(7), QStringList({"eins, zwei, drei"}));
+    }
+
+    void aSaveOnItsWayIsNotOvertaken()
+    {
+        // The background replay takes over the lines of a note left while its save was on its
+        // way, but only once that save is answered, so the older lines cannot land last.
+        Timings::shared().journalRetry = std::chrono::hours(1);
+        JournalReplay replay;
+        QSignalSpy replayed(&replay, &JournalReplay::replayed);
+        m_services->state().setSignedIn(User{1, "ana@example.org", "Ana"});
+        QTRY_COMPARE(replayed.size(), 1);
+        m_server->stream("PATCH", NotePath, {{noteJson(7, {}, {{11, "eins"}}), "held"}}, 200,
+                         "application/json");
+        open({{11, "null"}});
+        m_editor->edit(0, QStringLiteral("eins"));
+        QTRY_COMPARE(saveCount(*m_server), 1);
+        m_editor->edit(0, QStringLiteral("eins, zwei"));
+        m_editor->open(json::decode<Note>(noteJson(8, {}, {{21, "acht"}})), 3,
+                       QStringLiteral("de"));
+        QCOMPARE(journaledTexts(7), QStringList({"eins, zwei"}));
+
+        replay.replay();
+        QTRY_COMPARE(replayed.size(), 2);
+        QCOMPARE(saveCount(*m_server), 1);
+
+        m_server->open("held");
+        QTRY_COMPARE(saveCount(*m_server), 2);
+        QCOMPARE(sentTexts(saves(*m_server).last()), QStringList({"eins, zwei"}));
+        QTRY_VERIFY(!DraftJournal().read(7));
     }
 
     void quittingSavesWhatItCanInTime()

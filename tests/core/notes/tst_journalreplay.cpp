@@ -66,10 +66,9 @@ class TestJournalReplay : public QObject {
     void signIn() { m_services->state().setSignedIn(User{1, "ana@example.org", "Ana"}); }
 
 private slots:
-    void initTestCase() { Timings::shared() = Timings{}.scaled(0.001); }
-
     void init()
     {
+        Timings::shared() = Timings{}.scaled(0.001);
         m_dir = std::make_unique<QTemporaryDir>();
         qputenv("XDG_DATA_HOME", m_dir->path().toUtf8());
         LocalSettings::useFile(m_dir->filePath("settings.conf"));
@@ -178,6 +177,29 @@ private slots:
         QVERIFY(JournalClaim::claimed(5));
         moved.release();
         QVERIFY(!JournalClaim::claimed(5));
+        QTRY_COMPARE(replay.waiting(), 0);
+        QCOMPARE(requestsTo(*m_server, "/api/notes/5").size(), 1);
+    }
+
+    void aNoteLetGoIsSavedAtOnce()
+    {
+        Timings::shared().journalRetry = std::chrono::hours(1); // no round comes in this case
+        QVERIFY(m_journal->keep(entryFor(5)));
+        m_server->reply("PATCH", "/api/notes/5", 200, noteReply(5));
+        JournalClaim editing(5);
+        JournalReplay replay;
+        QSignalSpy replayed(&replay, &JournalReplay::replayed);
+        signIn();
+        QTRY_COMPARE(replayed.size(), 1); // a run with nothing to send
+        QCOMPARE(replay.waiting(), 1);
+
+        // Another editor still holds it: nothing goes.
+        JournalClaim other(5);
+        editing.release();
+        QCoreApplication::processEvents();
+        QVERIFY(requestsTo(*m_server, "/api/notes/5").isEmpty());
+
+        other.release();
         QTRY_COMPARE(replay.waiting(), 0);
         QCOMPARE(requestsTo(*m_server, "/api/notes/5").size(), 1);
     }

@@ -34,15 +34,7 @@ int key(Key k)
     return int(k);
 }
 
-// The texts and ids a save sent.
-QStringList sentTexts(const ScriptedServer::Request &request)
-{
-    QStringList texts;
-    for (const QJsonValue &line : QJsonDocument::fromJson(request.body)["lines"].toArray())
-        texts.append(line["text"].toString());
-    return texts;
-}
-
+// The ids a save sent (0 for a new line).
 QList<int> sentIds(const ScriptedServer::Request &request)
 {
     QList<int> ids;
