@@ -34,7 +34,7 @@ ApplicationWindow {
     menuBar: AppMenuBar {
         signedIn: AppState.signedIn
         studying: study.visible
-        deckOpen: screen.item !== null && screen.item.view !== undefined
+        deckOpen: screen.item !== null && screen.item.view !== undefined // qmllint disable type
                   && screen.item.view.hasSelectedDeck
         onSettingsRequested: settings.showAndRaise()
         onQuitRequested: Qt.quit()

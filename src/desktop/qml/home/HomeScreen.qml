@@ -98,7 +98,7 @@ Rectangle {
                 home: homeView
                 header: Component {
                     ComposerBar {
-                        home: homeView
+                        home: homeView // qmllint disable unqualified
                     }
                 }
             }

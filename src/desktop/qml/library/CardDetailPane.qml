@@ -267,7 +267,7 @@ Rectangle {
                     enabled: pane.detail !== null && pane.detail.hasCard && pane.home !== null
                     ToolTip.visible: hovered
                     ToolTip.text: "Say the word aloud"
-                    onClicked: Speech.say(pane.detail.card.term, pane.home.selectedDeck.language)
+                    onClicked: Speech.say(pane.detail.card.term, pane.home.selectedDeck.language) // qmllint disable type
                 }
                 OButton {
                     text: "rewrite"

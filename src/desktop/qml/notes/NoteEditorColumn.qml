@@ -234,13 +234,13 @@ Rectangle {
                 || editor.noteId !== panel.openedId)
             return
         entering = false
-        Qt.callLater(() => page.focusLine(lines.count - 1, NoteEditor.End))
+        Qt.callLater(() => page.focusLine(lines.count - 1, NoteEditor.End)) // qmllint disable type
     }
 
     function focusLine(index, place) {
         const row = lines.itemAt(index)
         if (row)
-            row.takeCaret(place === undefined ? NoteEditor.End : place)
+            row.takeCaret(place === undefined ? NoteEditor.End : place) // qmllint disable type
     }
 
     ConfirmDeleteDialog {

@@ -114,7 +114,7 @@ Rectangle {
                 boundsBehavior: Flickable.StopAtBounds
                 Accessible.role: Accessible.List
                 Accessible.name: "Notes"
-                Keys.onReturnPressed: if (currentItem) rail.pick(currentItem.noteId)
+                Keys.onReturnPressed: if (currentItem) rail.pick(currentItem.noteId) // qmllint disable type
                 ScrollBar.vertical: ScrollBar {}
 
                 delegate: ItemDelegate {

@@ -18,7 +18,7 @@ ApplicationWindow {
     property int pane: 0
 
     Shortcut {
-        sequences: [StandardKey.Close]
+        sequences: [StandardKey.Close] // qmllint disable unqualified
         onActivated: window.close()
     }
     Shortcut {
@@ -41,7 +41,7 @@ ApplicationWindow {
                 spacing: Theme.xs
 
                 Repeater {
-                    model: ["Look", "Sound", "Account"].map((name, index) => ({ name: name, index: index,
+                    model: ["Look", "Sound", "Account"].map((name, index) => ({ name: name, index: index, // qmllint disable type
                                                                        current: index === window.pane }))
                     onItemAdded: (index, item) => item.picked.connect(() => window.pane = index)
 

@@ -223,7 +223,7 @@ Rectangle {
                     width: parent.width
                     horizontalAlignment: Text.AlignHCenter
                     visible: text !== ""
-                    text: session.card.reading
+                    text: session.card.reading // qmllint disable type
                     color: Theme.secondaryText
                     font.pixelSize: Math.round(16 * Theme.scale)
                 }
@@ -237,7 +237,7 @@ Rectangle {
                     width: parent.width
                     horizontalAlignment: Text.AlignHCenter
                     wrapMode: Text.Wrap
-                    text: session.card.translation
+                    text: session.card.translation // qmllint disable type
                     color: Theme.accent
                     font.family: Theme.displayFamily
                     font.pixelSize: Math.round(32 * Theme.scale)

@@ -4,6 +4,10 @@ import QtQuick.Layouts
 import Orvel
 import Orvel.Core
 
+// The lesson (a gadget) and the sheet's texts (a map) are read here field by field; qmllint in
+// Qt 6.4 cannot see into either, nor into the delegates' view.
+// qmllint disable type unqualified
+
 // A short lesson, offered: the idea, its phrases with a fate each (leave it, a line of a note, a
 // card), the pattern, the common mistake and its correction, and a line to remember. Nothing is
 // kept until the keep button; a failure keeps the choices.

@@ -19,7 +19,7 @@ ColumnLayout {
     Composer {
         id: composer
         deckId: bar.home ? bar.home.selectedDeckId : 0
-        language: bar.home ? bar.home.selectedDeck.language : ""
+        language: bar.home ? bar.home.selectedDeck.language : "" // qmllint disable type
         cards: bar.home ? bar.home.cards : null
         onInputChanged: if (field.text !== input) field.text = input
         onCardWritten: card => { if (bar.home) bar.home.countNewCards(card.deckId, 1) }

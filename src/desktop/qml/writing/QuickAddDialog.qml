@@ -62,7 +62,7 @@ OSheet {
                 width: ListView.view ? ListView.view.width : implicitWidth
                 enabled: !choice.modelData.section
                 leftPadding: choice.modelData.indent ? Theme.xl : Theme.m
-                highlighted: deckChooser.highlightedIndex === choice.index
+                highlighted: deckChooser.highlightedIndex === choice.index // qmllint disable unqualified
                 contentItem: OLabel {
                     text: choice.modelData.name
                     color: choice.modelData.section ? Theme.secondaryText : Theme.text

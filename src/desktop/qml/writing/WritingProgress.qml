@@ -57,10 +57,10 @@ ColumnLayout {
             Accessible.role: Accessible.StaticText
             // A writing that is over fills no more rows: those still empty say so instead of
             // waiting ("not written" after a failure, "none" once the card is in).
-            readonly property bool missing: !filled && progress.sheet !== null && progress.sheet.over
+            readonly property bool missing: !filled && progress.sheet !== null && progress.sheet.over // qmllint disable unqualified
             Accessible.name: label + ": " + (filled ? value
                                              : !missing ? "pending"
-                                             : progress.sheet.failed ? "not written" : "none")
+                                             : progress.sheet.failed ? "not written" : "none") // qmllint disable unqualified
 
             OSectionHeading {
                 Layout.preferredWidth: Math.round(100 * Theme.scale)
@@ -85,7 +85,7 @@ ColumnLayout {
 
                     // Fade and rise when the value arrives.
                     transform: Translate { id: rise; y: 0 }
-                    onVisibleChanged: if (visible && !progress.reduceMotion) arrival.restart()
+                    onVisibleChanged: if (visible && !progress.reduceMotion) arrival.restart() // qmllint disable unqualified
                     ParallelAnimation {
                         id: arrival
                         NumberAnimation { target: valueLabel; property: "opacity"; from: 0; to: 1; duration: Theme.rowArrival; easing.type: Easing.OutCubic }
