@@ -7,6 +7,7 @@ namespace orvel {
 namespace {
 
 constexpr int rowTotal = 6;
+constexpr int firstCountRow = 4; // EXAMPLES, then PARADIGM
 
 } // namespace
 
@@ -69,6 +70,8 @@ QVariant WritingSheet::data(const QModelIndex &index, int role) const
         return valueOf(m_writing, index.row());
     case FilledRole:
         return !valueOf(m_writing, index.row()).isEmpty();
+    case DroppedRole:
+        return over() && index.row() >= firstCountRow && valueOf(m_writing, index.row()).isEmpty();
     default:
         return {};
     }
@@ -76,18 +79,24 @@ QVariant WritingSheet::data(const QModelIndex &index, int role) const
 
 QHash<int, QByteArray> WritingSheet::roleNames() const
 {
-    return {{LabelRole, "label"}, {ValueRole, "value"}, {FilledRole, "filled"}};
+    return {{LabelRole, "label"},
+            {ValueRole, "value"},
+            {FilledRole, "filled"},
+            {DroppedRole, "dropped"}};
 }
 
 void WritingSheet::setWriting(const Writing &writing)
 {
     if (writing == m_writing)
         return;
+    const bool wasOver = over();
     const Writing old = std::exchange(m_writing, writing);
     for (int row = 0; row < rowTotal; ++row) {
         if (valueOf(old, row) != valueOf(m_writing, row))
-            emit dataChanged(index(row), index(row), {ValueRole, FilledRole});
+            emit dataChanged(index(row), index(row), {ValueRole, FilledRole, DroppedRole});
     }
+    if (wasOver != over())
+        emit dataChanged(index(firstCountRow), index(rowTotal - 1), {DroppedRole});
     emit writingChanged();
 }
 

@@ -24,7 +24,9 @@ class WritingSheet : public QAbstractListModel {
     Q_PROPERTY(QString footer READ footer CONSTANT)
     Q_PROPERTY(bool flattened READ flattened WRITE setFlattened NOTIFY flattenedChanged)
 public:
-    enum Role { LabelRole = Qt::UserRole + 1, ValueRole, FilledRole };
+    // DroppedRole: a count row (EXAMPLES, PARADIGM) the finished card has nothing for, which is
+    // left out rather than shown as waiting or empty.
+    enum Role { LabelRole = Qt::UserRole + 1, ValueRole, FilledRole, DroppedRole };
     Q_ENUM(Role)
 
     explicit WritingSheet(QObject *parent = nullptr);

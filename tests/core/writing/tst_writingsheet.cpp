@@ -166,6 +166,30 @@ private slots:
         QCOMPARE(sheet.heading(), QStringLiteral("WRITING"));
     }
 
+    void countRowsTheCardHasNothingForAreLeftOut()
+    {
+        WritingSheet sheet;
+        QAbstractItemModelTester tester(&sheet,
+                                        QAbstractItemModelTester::FailureReportingMode::QtTest);
+        const auto dropped = [&](int row) {
+            return sheet.data(sheet.index(row), WritingSheet::DroppedRole).toBool();
+        };
+        Writing writing = Writing::begin(QStringLiteral("Hund"));
+        writing.term = QStringLiteral("der Hund");
+        writing.examples = 2;
+        sheet.setWriting(writing);
+        QVERIFY(!dropped(4) && !dropped(5)); // still on their way
+
+        QSignalSpy changed(&sheet, &QAbstractItemModel::dataChanged);
+        writing.written = true;
+        sheet.setWriting(writing);
+        QVERIFY(!dropped(3)); // a text row stays, shown as empty
+        QVERIFY(!dropped(4));
+        QVERIFY(dropped(5)); // no tenses for a noun
+        QVERIFY(!changed.isEmpty());
+        QCOMPARE(changed.last().at(1).value<QModelIndex>().row(), 5);
+    }
+
     void theEnvironmentCanAskForReducedMotion()
     {
         qputenv("ORVEL_REDUCE_MOTION", "1");

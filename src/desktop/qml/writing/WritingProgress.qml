@@ -50,7 +50,9 @@ ColumnLayout {
             required property string label
             required property string value
             required property bool filled
+            required property bool dropped
 
+            visible: !dropped
             Layout.fillWidth: true
             Layout.minimumHeight: Math.round(26 * Theme.scale)
             spacing: Theme.l
