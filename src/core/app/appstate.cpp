@@ -129,13 +129,6 @@ QCoro::Task<> AppState::adoptPreferences()
     if (!self || !loaded)
         co_return;
     storePreferences(*loaded);
-    if (m_sound) {
-        if (m_sound->gain() != loaded->gain)
-            m_sound->setGain(loaded->gain);
-        const bool slow = loaded->rate < 1.0;
-        if (m_sound->slow() != slow)
-            m_sound->setSlow(slow);
-    }
     if (Skins::find(loaded->skin))
         setSkin(loaded->skin);
     if (m_appearance != Appearance::System)
@@ -198,6 +191,16 @@ void AppState::storePreferences(const Preferences &preferences)
     if (m_preferences && *m_preferences == preferences)
         return;
     m_preferences = preferences;
+    // The player follows at once: the next clip has the new loudness, pace and voice.
+    if (m_sound) {
+        if (m_sound->gain() != preferences.gain)
+            m_sound->setGain(preferences.gain);
+        const bool slow = preferences.rate < 1.0;
+        if (m_sound->slow() != slow)
+            m_sound->setSlow(slow);
+        if (m_sound->voices() != preferences.voices)
+            m_sound->setVoices(preferences.voices);
+    }
     emit preferencesChanged();
 }
 

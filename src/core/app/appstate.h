@@ -90,7 +90,8 @@ public:
     // QML's way to sign out (runs signOut() in the background).
     Q_INVOKABLE void requestSignOut();
 
-    // Stores preferences the server sent in reply to a settings update.
+    // Stores preferences the server sent in reply to a settings update, and applies their sound
+    // settings to the speech player.
     void storePreferences(const Preferences &preferences);
 
 signals:

@@ -24,4 +24,14 @@ void SpeechSound::setSlow(bool slow)
     m_speech.setSlow(slow);
 }
 
+QMap<QString, QString> SpeechSound::voices() const
+{
+    return m_speech.voices();
+}
+
+void SpeechSound::setVoices(const QMap<QString, QString> &voices)
+{
+    m_speech.setVoices(voices);
+}
+
 } // namespace orvel

@@ -15,6 +15,8 @@ public:
     void setGain(double gain) override;
     bool slow() const override;
     void setSlow(bool slow) override;
+    QMap<QString, QString> voices() const override;
+    void setVoices(const QMap<QString, QString> &voices) override;
 
 private:
     Speech &m_speech;

@@ -84,7 +84,7 @@ void Speech::say(const QString &text, const QString &language, const QString &vo
         stop();
         return;
     }
-    play(clipUrl(said, language, voice), said);
+    play(clipUrl(said, language, voice.isEmpty() ? m_voices.value(language) : voice), said);
 }
 
 void Speech::preview(const QString &voice, const QString &language)

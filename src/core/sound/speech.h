@@ -1,6 +1,7 @@
 #pragma once
 
 #include <qcoro/qcorotask.h>
+#include <QMap>
 #include <QObject>
 #include <QString>
 #include <QtQml/qqml.h>
@@ -44,6 +45,10 @@ public:
     // Asks for slowed clips ("0.75" instead of "1"); takes effect at the next say().
     bool slow() const { return m_slow; }
     void setSlow(bool slow);
+    // The learner's voice for each language (code → voice id): say() uses it when no voice is
+    // given, so a clip heard after a change of voice is fetched afresh in the new one.
+    const QMap<QString, QString> &voices() const { return m_voices; }
+    void setVoices(const QMap<QString, QString> &voices) { m_voices = voices; }
 
     // Speaks `text` (trimmed) in `language`, with `voice` when one is given. Blank text or no
     // language does nothing at all; the text already sounding is stopped instead.
@@ -81,6 +86,7 @@ private:
     QString m_saying;
     double m_gain = 1.0;
     bool m_slow = false;
+    QMap<QString, QString> m_voices;
     quint64 m_generation = 0;
 };
 

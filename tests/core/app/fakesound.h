@@ -18,10 +18,14 @@ public:
         ++slowWrites;
     }
 
+    QMap<QString, QString> voices() const override { return m_voices; }
+    void setVoices(const QMap<QString, QString> &voices) override { m_voices = voices; }
+
     int gainWrites = 0;
     int slowWrites = 0;
 
 private:
     double m_gain = 1.0;
     bool m_slow = false;
+    QMap<QString, QString> m_voices;
 };

@@ -165,6 +165,17 @@ private slots:
         QVERIFY(state.hasPreferences());
         QCOMPARE(state.preferences()->rate, 0.75);
         QCOMPARE(changes.size(), 2);
+
+        // A settings reply (the sound pane's save) reaches the player at once, voices too.
+        Preferences saved = *state.preferences();
+        saved.rate = 1.0;
+        saved.gain = 2.0;
+        saved.voices = {{QStringLiteral("de"), QStringLiteral("gmw/de")}};
+        state.storePreferences(saved);
+        QVERIFY(!sound.slow());
+        QCOMPARE(sound.gain(), 2.0);
+        QCOMPARE(sound.voices(), saved.voices);
+        QCOMPARE(changes.size(), 3);
     }
 
     void serverSkinSetsAnExplicitAppearanceOnly()

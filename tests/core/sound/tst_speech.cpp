@@ -110,6 +110,19 @@ private slots:
         QFile played(m_output->played.last().path);
         QVERIFY(played.open(QIODevice::ReadOnly));
         QCOMPARE(played.readAll(), clip);
+
+        // The learner's voice for the language goes along when the caller names none; a voice
+        // the caller names still wins, and other languages go without.
+        m_speech->setVoices({{QStringLiteral("de"), QStringLiteral("gmw/de")}});
+        m_speech->say(QStringLiteral("Maus"), QStringLiteral("de"));
+        QVERIFY(waitForPlays(4));
+        QCOMPARE(m_server->lastRequest().queryValue("voice"), QStringLiteral("gmw/de"));
+        m_speech->say(QStringLiteral("Maus!"), QStringLiteral("de"), QStringLiteral("de-x1"));
+        QVERIFY(waitForPlays(5));
+        QCOMPARE(m_server->lastRequest().queryValue("voice"), QStringLiteral("de-x1"));
+        m_speech->say(QStringLiteral("chat"), QStringLiteral("fr"));
+        QVERIFY(waitForPlays(6));
+        QCOMPARE(m_server->lastRequest().queryValue("voice"), QString());
     }
 
     void sameTextTogglesOffAndCachedClipsAreReused()
