@@ -42,6 +42,17 @@ DeckSummary HomeView::selectedDeck() const
     return m_shelf->deckById(m_selectedDeck).value_or(DeckSummary{});
 }
 
+bool HomeView::importInto(int deckId, const QString &text)
+{
+    if (text.trimmed().isEmpty() || deckId == 0 || !m_shelf->deckById(deckId))
+        return false;
+    selectDeck(deckId);
+    // The cards page is where the written cards arrive.
+    showNotes(false);
+    emit importAsked(text);
+    return true;
+}
+
 void HomeView::selectDeck(int deckId)
 {
     if (deckId != 0 && !m_shelf->deckById(deckId))

@@ -60,6 +60,10 @@ public:
     // Opens the deck that Ctrl+<n> names; false when there is none.
     Q_INVOKABLE bool openShortcut(int n);
 
+    // Text dropped on a deck: opens that deck's cards and asks its composer to start an import
+    // sheet with the text. False (nothing opened) for blank text or a deck not on the shelf.
+    Q_INVOKABLE bool importInto(int deckId, const QString &text);
+
     // A deck the new-deck sheet made: it joins the shelf and opens.
     Q_INVOKABLE void adopt(const orvel::DeckSummary &deck);
     // Cards written into a deck (from its composer or a kept lesson) count on its shelf row at
@@ -72,6 +76,8 @@ public:
 signals:
     void selectedDeckChanged();
     void notesShownChanged();
+    // The open deck's composer opens an import sheet with this text.
+    void importAsked(const QString &text);
 
 private:
     CardList *m_cards = nullptr;

@@ -2,6 +2,8 @@
 
 #include "app/appstate.h"
 #include "app/services.h"
+#include "library/cardchanges.h"
+#include "library/languagename.h"
 #include "library/learnerinput.h"
 #include "server/apiclient.h"
 #include "writing/bytesheet.h"
@@ -110,6 +112,16 @@ QString Composer::teachHelp() const
     return writingtexts::teachHelp();
 }
 
+QString Composer::fromText() const
+{
+    return writingtexts::fromText();
+}
+
+QString Composer::fromTextHelp() const
+{
+    return writingtexts::fromTextHelp();
+}
+
 void Composer::add()
 {
     const QString text = trimSpacesAndTabs(m_input);
@@ -194,6 +206,37 @@ void Composer::closeOffer()
 {
     if (m_offer)
         m_offer->dismiss();
+}
+
+void Composer::addFromText(const QString &seed)
+{
+    if (m_deckId <= 0)
+        return;
+    if (m_import && m_import->deckId() == m_deckId) {
+        if (!seed.isEmpty() && m_import->stage() == ImportSheet::Stage::Paste && !m_import->busy())
+            m_import->setText(seed);
+        return;
+    }
+    if (m_import)
+        m_import->close();
+    // Written cards go to their deck's list, wherever the learner is by then, and count on the
+    // shelf: the same notice a card made anywhere else gives.
+    auto *sheet = new ImportSheet(
+        m_deckId, languageName(m_language), seed,
+        [](const QList<Card> &cards) {
+            for (const Card &card : cards)
+                CardChanges::shared().announceAdded(card);
+        },
+        this);
+    connect(sheet, &ImportSheet::closed, this, [this, sheet] {
+        if (m_import == sheet) {
+            m_import = nullptr;
+            emit importingChanged();
+        }
+    });
+    connect(sheet, &ImportSheet::over, sheet, &QObject::deleteLater);
+    m_import = sheet;
+    emit importingChanged();
 }
 
 void Composer::setNarration(const QString &narration)

@@ -7,6 +7,7 @@
 #include "records/landed.h"
 #include "records/notesummary.h"
 #include "writing/bytesheet.h"
+#include "writing/importsheet.h"
 #include "writing/writing.h"
 #include "writing/writingsheet.h"
 
@@ -48,6 +49,9 @@ class Composer : public QObject {
     Q_PROPERTY(QString placeholder READ placeholder CONSTANT)
     Q_PROPERTY(QString addHelp READ addHelp CONSTANT)
     Q_PROPERTY(QString teachHelp READ teachHelp CONSTANT)
+    Q_PROPERTY(QString fromText READ fromText CONSTANT)
+    Q_PROPERTY(QString fromTextHelp READ fromTextHelp CONSTANT)
+    Q_PROPERTY(orvel::ImportSheet *importing READ importing NOTIFY importingChanged)
     Q_PROPERTY(orvel::CardList *cards READ cards WRITE setCards NOTIFY cardsChanged)
 public:
     // On the shared client (QML); tests give their own.
@@ -84,6 +88,9 @@ public:
     QString placeholder() const;
     QString addHelp() const;
     QString teachHelp() const;
+    QString fromText() const;
+    QString fromTextHelp() const;
+    ImportSheet *importing() const { return m_import; }
 
     // Return: writes a card from the trimmed input. Nothing happens for an empty input or while
     // a card is being written.
@@ -97,6 +104,9 @@ public:
     Q_INVOKABLE void dismissWriting();
     // Closes the lesson sheet without keeping anything.
     Q_INVOKABLE void closeOffer();
+    // "or add from text…" (or text dropped on the deck): opens the import sheet for this deck,
+    // starting with `seed`. A sheet already open takes the seed when it is still at its text.
+    Q_INVOKABLE void addFromText(const QString &seed = QString());
 
 signals:
     void deckChanged();
@@ -108,6 +118,7 @@ signals:
     void refusedChanged();
     void askingChanged();
     void offerChanged();
+    void importingChanged();
     // A finished card for the front of its deck's list.
     void cardWritten(const orvel::Card &card);
     // Cards a kept lesson wrote, in order, for the front of their deck's list.
@@ -140,6 +151,7 @@ private:
     QString m_narration;
     QString m_topicAsked;
     QPointer<ByteSheet> m_offer;
+    QPointer<ImportSheet> m_import;
     QList<NoteSummary> m_deckNotes;
     // Asking for a short lesson is this screen's call; its failure reads as `refused`, like a
     // card the writer refused.

@@ -58,6 +58,91 @@ inline QString tenses(int count)
                       : QString::number(count) + QStringLiteral(" tenses");
 }
 
+// Adding from a pasted text.
+inline QString importTitle()
+{
+    return QStringLiteral("Add from text");
+}
+inline QString importPlaceholder()
+{
+    return QStringLiteral("An article, a chapter, subtitles, a menu — anything you're reading.");
+}
+// "Paste something you're reading in German. orvel picks out the words worth a card."
+inline QString pasteSubtitle(const QString &languageName)
+{
+    return QStringLiteral("Paste something you're reading in ") + languageName +
+           QStringLiteral(". orvel picks out the words worth a card.");
+}
+inline QString characters(qsizetype count)
+{
+    return count == 1 ? QStringLiteral("1 character")
+                      : QString::number(count) + QStringLiteral(" characters");
+}
+inline QString findWords()
+{
+    return QStringLiteral("Find words");
+}
+inline QString chooseWhatToKeep()
+{
+    return QStringLiteral("Choose what's worth keeping.");
+}
+inline QString unreadNotice(int unread)
+{
+    return QStringLiteral("Read the first 20,000 characters; ") + QString::number(unread) +
+           QStringLiteral(" to go");
+}
+inline QString alreadyInTheDeck(int skipped)
+{
+    return QString::number(skipped) + QStringLiteral(" already in the deck");
+}
+inline QString seenAs(const QString &form)
+{
+    return QStringLiteral("seen as ") + form;
+}
+inline QString none()
+{
+    return QStringLiteral("None");
+}
+// "Write 1 card", "Write 3 cards"; "Write cards" when nothing is chosen.
+inline QString writeCards(int chosen)
+{
+    if (chosen <= 0)
+        return QStringLiteral("Write cards");
+    return QStringLiteral("Write ") + QString::number(chosen) +
+           (chosen == 1 ? QStringLiteral(" card") : QStringLiteral(" cards"));
+}
+inline QString back()
+{
+    return QStringLiteral("Back");
+}
+inline QString writingOf(int done, int total)
+{
+    return QStringLiteral("Writing ") + QString::number(done) + QStringLiteral(" of ") +
+           QString::number(total);
+}
+inline QString done()
+{
+    return QStringLiteral("Done");
+}
+
+inline QString passedOver()
+{
+    return QStringLiteral("Left out");
+}
+inline QString notWritten()
+{
+    return QStringLiteral("Could not be written");
+}
+inline QString findBroke()
+{
+    return QStringLiteral("The server stopped before it had read the whole text. Try again.");
+}
+inline QString batchBroke()
+{
+    return QStringLiteral("The server stopped answering before the last card. It keeps "
+                          "writing them: they will be in the deck when you open it again.");
+}
+
 // Quick add.
 inline QString quickAddTitle()
 {

@@ -1,10 +1,12 @@
 // The composer, quick add and lessons against a real orvel-server with its dictionary writer:
-// a German word typed in a deck becomes a card, field by field, and goes first in the deck.
+// a German word typed in a deck becomes a card, field by field, and goes first in the deck;
+// words taken out of a German paragraph become cards.
 #include "awaittask.h"
 #include "server/apiclient.h"
 #include "serverprocess.h"
 #include "testservices.h"
 #include "writing/composer.h"
+#include "writing/importsheet.h"
 #include "writing/quickaddsheet.h"
 #include "writing/writingsheet.h"
 
@@ -97,6 +99,45 @@ private slots:
         QCOMPARE(added.size(), 1);
         QCOMPARE(added[0][0].value<DeckSummary>().id, m_deck);
         QCOMPARE(added[0][1].value<Card>().term, QStringLiteral("Haus"));
+    }
+
+    void wordsTakenFromAGermanParagraphBecomeCards()
+    {
+        const QString paragraph = QStringLiteral(
+            "Am Morgen geht die alte Frau mit ihrem Hund durch den Park. Die Vögel singen in den "
+            "Bäumen, und ein Kind läuft über die nasse Wiese. Später trinkt sie einen Kaffee am "
+            "Fenster und liest die Zeitung.");
+        QList<Card> wrote;
+        ImportSheet sheet(m_deck, QStringLiteral("German"), paragraph,
+                          [&](const QList<Card> &cards) { wrote += cards; });
+        sheet.find();
+        QVERIFY(QTest::qWaitFor([&] { return !sheet.busy(); }, 60000));
+        QVERIFY2(sheet.trouble().isEmpty(), qPrintable(sheet.trouble()));
+        QCOMPARE(sheet.stage(), ImportSheet::Stage::Choose);
+        QVERIFY(sheet.candidates()->rowCount() >= 5);
+        // Words already in the deck (Hund, from the first test) are left out and counted.
+        QVERIFY(sheet.skipped() >= 1);
+        for (const Candidate &word : sheet.candidates()->words())
+            QVERIFY2(word.term != u"Hund", qPrintable(word.term));
+
+        // Three words go, in the order found.
+        sheet.candidates()->chooseNone();
+        for (int row = 0; row < 3; ++row)
+            sheet.candidates()->setChosen(row, true);
+        sheet.write();
+        QVERIFY(QTest::qWaitFor([&] { return sheet.finished(); }, 90000));
+        QVERIFY2(sheet.trouble().isEmpty(), qPrintable(sheet.trouble()));
+        QCOMPARE(sheet.done(), 3);
+        QCOMPARE(wrote.size() + sheet.passed().size(), 3);
+        QVERIFY(!wrote.isEmpty());
+        for (const Card &card : wrote)
+            QCOMPARE(card.deckId, m_deck);
+        const Deck deck = await(m_api->deck(m_deck));
+        for (const Card &card : wrote) {
+            const bool held = std::any_of(deck.cards.cbegin(), deck.cards.cend(),
+                                          [&](const Card &kept) { return kept.id == card.id; });
+            QVERIFY2(held, qPrintable(card.term));
+        }
     }
 };
 

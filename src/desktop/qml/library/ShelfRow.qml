@@ -51,12 +51,24 @@ Item {
         }
     }
 
+    // Text dropped on a deck (from a browser, an editor) opens that deck's import sheet with it.
+    DropArea {
+        id: textDrop
+        anchors.fill: parent
+        enabled: row.isDeck
+        keys: ["text/plain"]
+        onDropped: (event) => {
+            if (event.hasText && row.home && row.home.importInto(row.rowId, event.text))
+                event.accept(Qt.CopyAction)
+        }
+    }
+
     Rectangle {
         anchors.fill: parent
         anchors.topMargin: 2
         anchors.bottomMargin: 2
         radius: Theme.controlRadius
-        color: drop.containsDrag ? Theme.accentWash
+        color: drop.containsDrag || textDrop.containsDrag ? Theme.accentWash
              : row.selected ? Theme.accentWash
              : hover.hovered && !row.isHeading ? Qt.rgba(0, 0, 0, Theme.dark ? 0.18 : 0.04)
              : "transparent"

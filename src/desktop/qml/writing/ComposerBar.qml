@@ -44,6 +44,18 @@ ColumnLayout {
         ToolTip.text: composer.addHelp + "\n" + composer.teachHelp
     }
 
+    OLinkButton {
+        id: fromText
+        visible: composer.deckId > 0
+        text: composer.fromText
+        pixelSize: Theme.secondary
+        Accessible.description: composer.fromTextHelp
+        ToolTip.visible: hovered
+        ToolTip.delay: 600
+        ToolTip.text: composer.fromTextHelp
+        onClicked: composer.addFromText()
+    }
+
     // Asking for a lesson.
     RowLayout {
         Layout.fillWidth: true
@@ -92,6 +104,18 @@ ColumnLayout {
 
     ByteDialog {
         sheet: composer.offer
+    }
+
+    ImportDialog {
+        sheet: composer.importing
+    }
+
+    // Text dropped on a deck in the sidebar opens the import sheet once that deck is open.
+    Connections {
+        target: bar.home
+        function onImportAsked(text) {
+            composer.addFromText(text)
+        }
     }
 
     function submit(event) {
