@@ -107,6 +107,15 @@ QString ImportSheet::writeLabel() const
     return writingtexts::writeCards(m_candidates->chosenCount());
 }
 
+QVariantList ImportSheet::writtenCards() const
+{
+    QVariantList list;
+    for (auto card = m_written.crbegin(); card != m_written.crend(); ++card)
+        list.append(QVariantMap{{QStringLiteral("term"), card->term},
+                                {QStringLiteral("translation"), card->translation}});
+    return list;
+}
+
 QVariantList ImportSheet::skips() const
 {
     QVariantList list;
@@ -134,6 +143,7 @@ QVariantMap ImportSheet::texts() const
             {QStringLiteral("none"), writingtexts::none()},
             {QStringLiteral("back"), writingtexts::back()},
             {QStringLiteral("done"), writingtexts::done()},
+            {QStringLiteral("written"), writingtexts::writtenHeading()},
             {QStringLiteral("skipped"), writingtexts::passedOver()},
             {QStringLiteral("failed"), writingtexts::notWritten()}};
 }

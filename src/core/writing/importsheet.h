@@ -48,6 +48,7 @@ class ImportSheet : public QObject {
     Q_PROPERTY(bool finished READ finished NOTIFY progressChanged)
     Q_PROPERTY(int writtenCount READ writtenCount NOTIFY progressChanged)
     Q_PROPERTY(QString writingTerm READ writingTerm NOTIFY progressChanged)
+    Q_PROPERTY(QVariantList writtenCards READ writtenCards NOTIFY progressChanged)
     Q_PROPERTY(QVariantList skips READ skips NOTIFY progressChanged)
     Q_PROPERTY(QVariantList failures READ failures NOTIFY progressChanged)
     Q_PROPERTY(QVariantMap texts READ texts CONSTANT)
@@ -96,6 +97,8 @@ public:
     // The word being written just now, until the batch is over.
     QString writingTerm() const { return m_writingTerm; }
     const QList<Passed> &passed() const { return m_passed; }
+    // The cards written so far, newest first: each {term, translation}.
+    QVariantList writtenCards() const;
     // The words passed over on purpose, and those that failed: each {term, why}.
     QVariantList skips() const;
     QVariantList failures() const;

@@ -125,6 +125,10 @@ inline QString done()
     return QStringLiteral("Done");
 }
 
+inline QString writtenHeading()
+{
+    return QStringLiteral("Written");
+}
 inline QString passedOver()
 {
     return QStringLiteral("Left out");

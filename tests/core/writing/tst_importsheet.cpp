@@ -270,6 +270,8 @@ private slots:
         QCOMPARE(m_wrote[0].id, 41);
         QCOMPARE(s->writingTerm(), QString());
         QCOMPARE(s->trouble(), QString());
+        QCOMPARE(s->writtenCards(),
+                 (QVariantList{QVariantMap{{"term", "Hund"}, {"translation", "t"}}}));
         QCOMPARE(s->failures(),
                  (QVariantList{QVariantMap{{"term", "Anode"}, {"why", "No entry."}}}));
         QCOMPARE(s->skips(),

@@ -131,11 +131,26 @@ OSheet {
             spacing: Theme.s
 
             ProgressBar {
+                id: bar
                 Layout.fillWidth: true
                 from: 0
                 to: dialog.sheet ? Math.max(1, dialog.sheet.total) : 1
                 value: dialog.sheet ? dialog.sheet.done : 0
                 Accessible.name: dialog.sheet ? dialog.sheet.subtitle : ""
+                background: Rectangle {
+                    implicitHeight: Math.round(6 * Theme.scale)
+                    radius: height / 2
+                    color: Theme.line
+                }
+                contentItem: Item {
+                    implicitHeight: Math.round(6 * Theme.scale)
+                    Rectangle {
+                        width: bar.visualPosition * parent.width
+                        height: parent.height
+                        radius: height / 2
+                        color: Theme.accent
+                    }
+                }
             }
             OLabel {
                 Layout.fillWidth: true
@@ -145,6 +160,30 @@ OSheet {
                 font.weight: Font.DemiBold
             }
             OSectionHeading {
+                Layout.topMargin: Theme.s
+                visible: dialog.sheet !== null && dialog.sheet.writtenCards.length > 0
+                text: dialog.sheet ? dialog.sheet.texts.written : ""
+            }
+            Repeater {
+                model: dialog.sheet ? dialog.sheet.writtenCards : []
+                delegate: RowLayout {
+                    required property var modelData
+                    Layout.fillWidth: true
+                    spacing: Theme.s
+                    OLabel {
+                        text: modelData.term
+                        font.weight: Font.DemiBold
+                    }
+                    OLabel {
+                        Layout.fillWidth: true
+                        elide: Text.ElideRight
+                        text: modelData.translation
+                        color: Theme.secondaryText
+                    }
+                }
+            }
+            OSectionHeading {
+                Layout.topMargin: Theme.s
                 visible: dialog.sheet !== null && dialog.sheet.failures.length > 0
                 text: dialog.sheet ? dialog.sheet.texts.failed : ""
             }
@@ -160,6 +199,7 @@ OSheet {
                 }
             }
             OSectionHeading {
+                Layout.topMargin: Theme.s
                 visible: dialog.sheet !== null && dialog.sheet.skips.length > 0
                 text: dialog.sheet ? dialog.sheet.texts.skipped : ""
             }
