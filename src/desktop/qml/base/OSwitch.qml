@@ -17,6 +17,8 @@ Switch {
     focusPolicy: Qt.StrongFocus
     font.family: Theme.uiFamily
     font.pixelSize: Theme.body
+    // The track of a switch that is on takes the skin's accent.
+    palette.dark: Theme.accent
 
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
