@@ -2,6 +2,35 @@
 
 namespace orvel {
 
+namespace {
+
+// The full case folding of a character that folds to more than one, or empty.
+QString fullFolding(QChar c)
+{
+    switch (c.unicode()) {
+    case 0x00DF: // ß
+    case 0x1E9E: // ẞ
+        return QStringLiteral("ss");
+    case 0xFB00:
+        return QStringLiteral("ff");
+    case 0xFB01:
+        return QStringLiteral("fi");
+    case 0xFB02:
+        return QStringLiteral("fl");
+    case 0xFB03:
+        return QStringLiteral("ffi");
+    case 0xFB04:
+        return QStringLiteral("ffl");
+    case 0xFB05:
+    case 0xFB06:
+        return QStringLiteral("st");
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
 QString foldText(const QString &text)
 {
     // Decompose, drop the combining marks, fold the case; then compose again, so that what is
@@ -22,7 +51,17 @@ QString foldText(const QString &text)
         if (pair)
             ++at;
     }
-    return bare.toCaseFolded().normalized(QString::NormalizationForm_C);
+    // QString folds case one character for one; the letters whose full folding is longer are
+    // spelled out here ('ß' and 'ẞ' as "ss", the Latin ligatures as their letters).
+    QString folded = bare.toCaseFolded();
+    for (qsizetype at = 0; at < folded.size(); ++at) {
+        const QString expanded = fullFolding(folded.at(at));
+        if (!expanded.isEmpty()) {
+            folded.replace(at, 1, expanded);
+            at += expanded.size() - 1;
+        }
+    }
+    return folded.normalized(QString::NormalizationForm_C);
 }
 
 } // namespace orvel
