@@ -151,10 +151,13 @@ QCoro::Task<> NotesPanel::create()
     summary.createdAt = note->createdAt;
     summary.updatedAt = note->updatedAt;
     summary.lineCount = int(note->lines.size());
-    beginInsertRows({}, 0, 0);
-    m_shelf.prepend(summary);
-    endInsertRows();
-    emit countChanged();
+    // A listing asked for at the same time may already hold the new note.
+    if (rowOf(note->id) < 0) {
+        beginInsertRows({}, 0, 0);
+        m_shelf.prepend(summary);
+        endInsertRows();
+        emit countChanged();
+    }
     m_notes.insert(note->id, *note);
     show(*note);
 }

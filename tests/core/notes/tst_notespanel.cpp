@@ -135,6 +135,23 @@ private slots:
         QVERIFY(!panel.starting());
     }
 
+    // The deck's listing and a new note asked for together: the listing may come back holding
+    // the new note already, and the note is then not listed twice.
+    void aNewNoteTheListingHoldsIsListedOnce()
+    {
+        m_server->reply("GET", "/api/decks/5/notes", 200,
+                        R"([{"id":9,"title":"","created_at":"","updated_at":"",)"
+                        R"("line_count":0,"pending_count":0}])");
+        m_server->reply("POST", "/api/decks/5/notes", 201, noteJson(9, "", {}));
+        NotesPanel panel;
+        QAbstractItemModelTester tester(&panel);
+        await(panel.load(5, QStringLiteral("de")));
+        await(panel.create());
+        QCOMPARE(panel.count(), 1);
+        QCOMPARE(panel.openedId(), 9);
+        QCOMPARE(panel.openedRow(), 0);
+    }
+
     void theListFollowsTheOpenNote()
     {
         Timings::shared() = Timings{}.scaled(0.02);
