@@ -14,10 +14,10 @@ std::chrono::milliseconds scale(std::chrono::milliseconds duration, double facto
 
 Timings Timings::scaled(double factor) const
 {
-    return Timings{scale(save, factor),          scale(undoSnapshot, factor),
-                   scale(marginAsYouGo, factor), scale(cardUndo, factor),
-                   scale(pictureSearch, factor), scale(journalRetry, factor),
-                   scale(draftKeep, factor),     scale(saveRetry, factor)};
+    return Timings{
+        scale(save, factor),      scale(undoSnapshot, factor),  scale(marginAsYouGo, factor),
+        scale(cardUndo, factor),  scale(pictureSearch, factor), scale(journalRetry, factor),
+        scale(draftKeep, factor), scale(saveRetry, factor),     scale(paletteSearch, factor)};
 }
 
 Timings &Timings::shared()

@@ -16,6 +16,7 @@ struct Timings {
     std::chrono::milliseconds journalRetry{30000}; // unsaved notes are offered to the server again
     std::chrono::milliseconds draftKeep{150};      // typed lines reach the journal this long after
     std::chrono::milliseconds saveRetry{2000};     // a failed note save is tried again, doubling
+    std::chrono::milliseconds paletteSearch{120};  // the palette searches once typing pauses
 
     // Every duration multiplied by factor (at least 1 ms each).
     Timings scaled(double factor) const;

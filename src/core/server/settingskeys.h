@@ -52,6 +52,12 @@ inline QString deckPage()
     return QStringLiteral("zelon.deck.page");
 }
 
+// The decks and cards last opened from the palette: a JSON list, newest first, at most eight.
+inline QString paletteRecents()
+{
+    return QStringLiteral("zelon.palette.recents");
+}
+
 // The drag-and-drop type of a dragged deck row (its data is the deck's id).
 inline QString deckDragType()
 {
