@@ -1,6 +1,8 @@
 #include "library/homeview.h"
 
 #include "library/cardchanges.h"
+#include "library/cardopener.h"
+#include "library/homepalette.h"
 #include "server/localsettings.h"
 #include "server/settingskeys.h"
 
@@ -11,6 +13,7 @@ HomeView::HomeView(QObject *parent)
       m_detail(new CardDetail(*m_cards, *m_bin, this)), m_shelf(new Shelf(this)),
       m_folderActions(new FolderActions(*m_shelf, this)),
       m_deckActions(new DeckActions(*m_shelf, this)), m_notes(new NotesPanel(this)),
+      m_opener(new CardOpener(*this)), m_palette(new CommandPalette(this)),
       m_notesShown(LocalSettings::store().value(settingskeys::deckPage()).toString() ==
                    QStringLiteral("notes"))
 {
@@ -33,6 +36,10 @@ HomeView::HomeView(QObject *parent)
         else
             emit selectedDeckChanged();
     });
+    m_palette->setContextSource([this] { return HomePalette::context(*this); });
+    // An open palette follows the shelf and the open deck.
+    connect(m_shelf, &Shelf::changed, m_palette, &CommandPalette::refresh);
+    connect(this, &HomeView::selectedDeckChanged, m_palette, &CommandPalette::refresh);
 }
 
 HomeView::~HomeView() = default;
@@ -89,6 +96,70 @@ bool HomeView::openShortcut(int n)
     if (!deckId)
         return false;
     selectDeck(deckId);
+    return true;
+}
+
+bool HomeView::openCard(int deckId, int cardId)
+{
+    return m_opener->open(deckId, cardId);
+}
+
+bool HomeView::rewriteCard(int deckId, int cardId)
+{
+    return m_opener->open(deckId, cardId, CardOpener::Then::Rewrite);
+}
+
+bool HomeView::deleteCard(int deckId, int cardId)
+{
+    return m_opener->open(deckId, cardId, CardOpener::Then::Delete);
+}
+
+bool HomeView::openNote(int deckId, int noteId)
+{
+    if (!m_shelf->deckById(deckId))
+        return false;
+    selectDeck(deckId);
+    showNotes(true);
+    m_notes->open(noteId);
+    return true;
+}
+
+bool HomeView::newNoteIn(int deckId)
+{
+    if (!m_shelf->deckById(deckId))
+        return false;
+    selectDeck(deckId);
+    showNotes(true);
+    m_notes->newNote();
+    return true;
+}
+
+bool HomeView::addFromText(int deckId)
+{
+    if (!m_shelf->deckById(deckId))
+        return false;
+    selectDeck(deckId);
+    showNotes(false);
+    emit importAsked(QString());
+    return true;
+}
+
+bool HomeView::writeCard(int deckId, const QString &term)
+{
+    if (term.trimmed().isEmpty() || !m_shelf->deckById(deckId))
+        return false;
+    selectDeck(deckId);
+    showNotes(false);
+    emit writeAsked(term);
+    return true;
+}
+
+bool HomeView::revealFolder(int folderId)
+{
+    if (!m_shelf->folderById(folderId))
+        return false;
+    m_shelf->setOpen(folderId, true);
+    emit folderRevealed(folderId);
     return true;
 }
 

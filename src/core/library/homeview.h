@@ -7,6 +7,7 @@
 #include "library/folderactions.h"
 #include "library/shelf.h"
 #include "notes/notespanel.h"
+#include "palette/commandpalette.h"
 #include "records/decksummary.h"
 
 #include <QObject>
@@ -14,6 +15,8 @@
 #include <QtQml/qqml.h>
 
 namespace orvel {
+
+class CardOpener;
 
 // The home screen: the shelf with its folder and deck actions, the chosen deck with its card
 // list, card detail and undoable card deletion. It keeps which deck is open and holds the
@@ -34,6 +37,7 @@ class HomeView : public QObject {
     Q_PROPERTY(QString selectedDeckName READ selectedDeckName NOTIFY selectedDeckChanged)
     Q_PROPERTY(orvel::NotesPanel *notes READ notes CONSTANT)
     Q_PROPERTY(bool notesShown READ notesShown WRITE showNotes NOTIFY notesShownChanged)
+    Q_PROPERTY(orvel::CommandPalette *palette READ palette CONSTANT)
 public:
     explicit HomeView(QObject *parent = nullptr);
     ~HomeView() override;
@@ -45,6 +49,8 @@ public:
     CardDetail *detail() const { return m_detail; }
     CardBin *bin() const { return m_bin; }
     NotesPanel *notes() const { return m_notes; }
+    // "Find or Do", reading the shelf and the open deck through HomePalette.
+    CommandPalette *palette() const { return m_palette; }
 
     // Whether the open deck shows its notes instead of its cards; one choice for every deck,
     // remembered across starts.
@@ -64,6 +70,25 @@ public:
     // sheet with the text. False (nothing opened) for blank text or a deck not on the shelf.
     Q_INVOKABLE bool importInto(int deckId, const QString &text);
 
+    // What the palette opens and does, each in the deck it belongs to (opened first when
+    // another is open). A card is selected once its deck's cards are in; rewriting or deleting
+    // it then goes through the card detail and the undoable bin. False for a deck not on the
+    // shelf.
+    bool openCard(int deckId, int cardId);
+    bool rewriteCard(int deckId, int cardId);
+    bool deleteCard(int deckId, int cardId);
+    // Shows the deck's notes with this note open.
+    bool openNote(int deckId, int noteId);
+    // Shows the deck's notes and starts a new one.
+    bool newNoteIn(int deckId);
+    // Opens the deck's cards with an empty import sheet (importAsked with no text).
+    bool addFromText(int deckId);
+    // Opens the deck's cards and has its composer write a card for the term (writeAsked).
+    bool writeCard(int deckId, const QString &term);
+    // Opens a folder in the sidebar and says so (folderRevealed), for the sidebar to show it.
+    bool revealFolder(int folderId);
+    void askForSettings() { emit settingsAsked(); }
+
     // A deck the new-deck sheet made: it joins the shelf and opens.
     Q_INVOKABLE void adopt(const orvel::DeckSummary &deck);
     // Cards written into a deck (from its composer or a kept lesson) count on its shelf row at
@@ -78,6 +103,12 @@ signals:
     void notesShownChanged();
     // The open deck's composer opens an import sheet with this text.
     void importAsked(const QString &text);
+    // The open deck's composer writes a card for this term.
+    void writeAsked(const QString &term);
+    // The sidebar brings this folder into view.
+    void folderRevealed(int folderId);
+    // The settings window is asked for (from the palette).
+    void settingsAsked();
 
 private:
     CardList *m_cards = nullptr;
@@ -87,6 +118,8 @@ private:
     FolderActions *m_folderActions = nullptr;
     DeckActions *m_deckActions = nullptr;
     NotesPanel *m_notes = nullptr;
+    CardOpener *m_opener = nullptr;
+    CommandPalette *m_palette = nullptr;
     int m_selectedDeck = 0;
     bool m_notesShown = false;
 };

@@ -31,6 +31,14 @@ bool sameKeys(const QList<SidebarRow> &a, const QList<SidebarRow> &b)
 
 SidebarModel::SidebarModel(QObject *parent) : QAbstractListModel(parent) {}
 
+int SidebarModel::folderRow(int folderId) const
+{
+    for (qsizetype row = 0; row < m_rows.size(); ++row)
+        if (m_rows[row].kind == SidebarRow::Kind::Folder && m_rows[row].id == folderId)
+            return int(row);
+    return -1;
+}
+
 int SidebarModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : int(m_rows.size());

@@ -40,6 +40,8 @@ public:
     // Replaces the rows. When only the contents of rows changed (same keys in the same order)
     // the view is told which rows changed, so it keeps its scroll position and focus.
     void setRows(QList<SidebarRow> rows);
+    // The row of a folder, or -1 (the view scrolls to a folder the palette reveals).
+    Q_INVOKABLE int folderRow(int folderId) const;
 
 signals:
     void countChanged();
