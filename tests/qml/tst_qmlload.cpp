@@ -3,6 +3,8 @@
 #include "app/browser.h"
 #include "app/signinview.h"
 #include "app/welcomesheet.h"
+#include "library/homeview.h"
+#include "palette/commandpalette.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
@@ -156,6 +158,21 @@ private slots:
                            {"gloss", "to run"},
                            {"seenAsText", "seen as läuft"},
                            {"chosen", true}};
+            if (file.endsWith(QLatin1String("/PaletteRow.qml")))
+                initial = {{"index", 1},
+                           {"kind", "item"},
+                           {"itemId", "card-7"},
+                           {"glyph", "card"},
+                           {"title", "der Hund"},
+                           {"note", ""},
+                           {"subtitle", "noun"},
+                           {"meta", "Deutsch"},
+                           {"keys", QStringList{"1", "2"}},
+                           {"serif", true},
+                           {"destructive", false},
+                           {"armed", false},
+                           {"selected", true},
+                           {"spoken", "der Hund, noun, Deutsch"}};
             if (file.endsWith(QLatin1String("/NoteRemarkItem.qml")))
                 initial = {{"index", 0}, {"modelData", remark}};
             // Items go into a window, as they would in the app, so that popups have one.
@@ -229,6 +246,26 @@ private slots:
         }());
         QCoreApplication::processEvents();
         expectNoWarnings("home and settings");
+
+        // The palette over the home screen: opened by its command, typed into, a stage stepped
+        // into and out of, and closed.
+        auto *home = root->findChild<HomeView *>();
+        QVERIFY(home);
+        CommandPalette *palette = home->palette();
+        AppCommands::shared().post(AppCommand::Palette);
+        QVERIFY(palette->opened());
+        for (const char *typed : {"n", "ne", "new", "?", "study a", "zzz"}) {
+            palette->setQuery(QString::fromUtf8(typed));
+            palette->move(1);
+            QCoreApplication::processEvents();
+        }
+        palette->setQuery(QStringLiteral("study a"));
+        QVERIFY(palette->deeper());
+        QCoreApplication::processEvents();
+        QVERIFY(palette->back());
+        QVERIFY(palette->escape());
+        QCoreApplication::processEvents();
+        expectNoWarnings("palette");
     }
 
     // A card too long for its place scrolls by the keys once opened, while the session's own

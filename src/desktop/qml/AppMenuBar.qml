@@ -66,4 +66,15 @@ MenuBar {
             onTriggered: bar.quitRequested()
         }
     }
+
+    Menu {
+        title: "&Go"
+
+        Action {
+            text: "Find or Do…"
+            shortcut: "Ctrl+K"
+            enabled: bar.signedIn && !bar.studying
+            onTriggered: AppCommands.post(AppCommands.Palette)
+        }
+    }
 }

@@ -147,7 +147,20 @@ Rectangle {
             } else if (command === AppCommands.NewNote && homeView.hasSelectedDeck) {
                 homeView.notesShown = true
                 homeView.notes.newNote()
+            } else if (command === AppCommands.Palette) {
+                homeView.palette.open()
             }
+        }
+    }
+
+    // "Find or Do" (Ctrl+K), and the settings it can ask for.
+    PaletteOverlay {
+        palette: homeView.palette
+    }
+    Connections {
+        target: homeView
+        function onSettingsAsked() {
+            home.settingsRequested()
         }
     }
     Shortcut {

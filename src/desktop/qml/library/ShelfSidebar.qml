@@ -164,6 +164,16 @@ Item {
         }
     }
 
+    // A folder the palette shows in the sidebar scrolls into view.
+    Connections {
+        target: shelf.home
+        function onFolderRevealed(folderId) {
+            const row = shelf.home.shelf.sidebar.folderRow(folderId)
+            if (row >= 0)
+                rows.positionViewAtIndex(row, ListView.Contain)
+        }
+    }
+
     // Ctrl+1 … Ctrl+9 open the first nine decks of the shelf.
     Repeater {
         model: 9

@@ -110,11 +110,17 @@ ColumnLayout {
         sheet: composer.importing
     }
 
-    // Text dropped on a deck in the sidebar opens the import sheet once that deck is open.
+    // Text dropped on a deck in the sidebar opens the import sheet once that deck is open; the
+    // palette asks for the import sheet and for cards the same way.
     Connections {
         target: bar.home
         function onImportAsked(text) {
             composer.addFromText(text)
+        }
+        // The palette's "Write a card for …" writes the term here.
+        function onWriteAsked(term) {
+            composer.input = term
+            composer.add()
         }
     }
 
