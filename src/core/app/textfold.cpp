@@ -22,7 +22,10 @@ QString foldText(const QString &text)
         if (pair)
             ++at;
     }
-    return bare.toCaseFolded().normalized(QString::NormalizationForm_C);
+    // Qt folds case one character to one; the full folding also turns 'ß' into "ss".
+    return bare.toCaseFolded()
+        .replace(QChar(0x00DF), QStringLiteral("ss"))
+        .normalized(QString::NormalizationForm_C);
 }
 
 } // namespace orvel

@@ -51,6 +51,11 @@ inline QString deckPage()
 {
     return QStringLiteral("zelon.deck.page");
 }
+// The manual page shown last.
+inline QString manualPage()
+{
+    return QStringLiteral("zelon.manual.page");
+}
 
 // The drag-and-drop type of a dragged deck row (its data is the deck's id).
 inline QString deckDragType()
