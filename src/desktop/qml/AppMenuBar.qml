@@ -71,6 +71,7 @@ MenuBar {
     Menu {
         id: help
         title: "&Help"
+        width: helpField.width + 2 * Theme.s
 
         onOpened: helpField.forceActiveFocus()
         onClosed: {

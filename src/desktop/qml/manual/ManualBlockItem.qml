@@ -199,6 +199,9 @@ Loader {
                     }
                 }
             }
+            Item {
+                Layout.fillWidth: true
+            }
         }
     }
     Component {
@@ -213,6 +216,9 @@ Loader {
             OLinkButton {
                 text: holder.block.second !== "" ? holder.block.second : holder.linkTitle
                 onClicked: holder.followed(holder.block.first)
+            }
+            Item {
+                Layout.fillWidth: true
             }
         }
     }
