@@ -57,6 +57,17 @@ inline QString manualPage()
     return QStringLiteral("zelon.manual.page");
 }
 
+// Whether the daily reminder is wanted (off when absent).
+inline QString reminderOn()
+{
+    return QStringLiteral("zelon.reminder.on");
+}
+// The daily reminder's hour, local time, minute 0 (19 when absent or not an integer).
+inline QString reminderHour()
+{
+    return QStringLiteral("zelon.reminder.hour");
+}
+
 // The drag-and-drop type of a dragged deck row (its data is the deck's id).
 inline QString deckDragType()
 {
