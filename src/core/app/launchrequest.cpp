@@ -25,6 +25,8 @@ LaunchRequest LaunchRequest::parse(const QStringList &arguments)
             request.newDeck = true;
         } else if (argument == QLatin1String("--timings")) {
             request.timings = true;
+        } else if (argument == QLatin1String("--remind")) {
+            request.remind = true;
         } else if (argument == QLatin1String("-ZELON_HOST") ||
                    argument == QLatin1String("--ZELON_HOST")) {
             ++i;

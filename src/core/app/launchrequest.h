@@ -14,6 +14,8 @@ namespace orvel {
 //   orvel --new-deck               open the new-deck sheet (the desktop entry's action)
 //   orvel --manual [page]          open the manual (on a page, by its id)
 //   orvel --timings                print start-up figures
+//   orvel --remind                 show the daily reminder's notification and exit (its timer
+//                                  runs this; no window, no hand-over to a running instance)
 // -ZELON_HOST URL and --ZELON_HOST=URL belong to the server client and are skipped here.
 struct LaunchRequest {
     std::optional<QUrl> callback;
@@ -23,6 +25,7 @@ struct LaunchRequest {
     // --manual: the page asked for, empty for the one shown last.
     std::optional<QString> manualPage;
     bool timings = false;
+    bool remind = false;
     QStringList unknown;
 
     static LaunchRequest parse(const QStringList &arguments);

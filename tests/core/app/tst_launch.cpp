@@ -81,6 +81,14 @@ private slots:
         QVERIFY(LaunchRequest::parse({"--new-deck"}).newDeck);
         QCOMPARE(other.unknown, QStringList({"--what"}));
 
+        // The reminder's timer: nothing for a running instance to do, and nothing else asked.
+        LaunchRequest remind = LaunchRequest::parse({"--remind"});
+        QVERIFY(remind.remind);
+        QVERIFY(!remind.carriesWork());
+        QVERIFY(remind.unknown.isEmpty());
+        QVERIFY(!plain.remind);
+        QVERIFY(!add.remind);
+
         // --add at the very end asks to add nothing.
         QCOMPARE(LaunchRequest::parse({"--add"}).addWord, std::optional<QString>(QString()));
         QCOMPARE(LaunchRequest::parse({"--add=Katze"}).addWord,
