@@ -150,6 +150,12 @@ private slots:
                            {"pending", false},
                            {"stale", true},
                            {"staleText", "changed"},
+                           {"picture", QVariantMap{{"url", "/media/1/a.png"},
+                                                   {"width", 640},
+                                                   {"height", 480},
+                                                   {"credit", "Ana · CC BY"},
+                                                   {"yours", false},
+                                                   {"moving", false}}},
                            {"remarks", QVariantList{remark}}};
             if (file.endsWith(QLatin1String("/ImportWordRow.qml")))
                 initial = {{"index", 0},
