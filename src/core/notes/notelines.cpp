@@ -67,8 +67,10 @@ QVariantMap NoteLines::picture(const Draft &draft)
             {QStringLiteral("height"), media.height},
             {QStringLiteral("credit"), media.credit()},
             {QStringLiteral("title"), media.title},
-            // What the learner brought (pasted, dropped) rather than a search found.
-            {QStringLiteral("yours"), media.origin == QLatin1String("yours")},
+            // What the learner brought (an upload, or one of their own found again) rather than
+            // a picture a search provider found.
+            {QStringLiteral("yours"),
+             media.origin == QLatin1String("upload") || media.origin == QLatin1String("yours")},
             {QStringLiteral("moving"),
              path.endsWith(QLatin1String(".gif")) || path.endsWith(QLatin1String(".webp"))}};
 }

@@ -19,7 +19,7 @@ namespace {
 const QString ComposePath = QStringLiteral("/api/notes/7/compose");
 const QString SearchPath = QStringLiteral("/api/media/search");
 
-QByteArray mediaJson(int id, const QByteArray &origin = "yours")
+QByteArray mediaJson(int id, const QByteArray &origin = "upload")
 {
     return R"({"id":)" + QByteArray::number(id) + R"(,"url":"/media/)" + QByteArray::number(id) +
            R"(/p.png","width":640,"height":480,"origin":")" + origin +
