@@ -13,13 +13,15 @@ ColumnLayout {
     // {url, width, height, credit, title, yours, moving}
     property var picture: ({})
     property NotePictures pictures: null
+    // The width of the line's column: a picture is never wider.
+    property real columnWidth: 480 * Theme.scale
 
     signal removeRequested()
 
     spacing: Theme.xs
 
     readonly property real natural: picture.width > 0 ? picture.width : 320
-    readonly property real shownWidth: Math.min(width, natural, 480 * Theme.scale)
+    readonly property real shownWidth: Math.min(columnWidth, natural, 480 * Theme.scale)
     readonly property real shownHeight: picture.width > 0 && picture.height > 0
                                         ? shownWidth * picture.height / picture.width
                                         : Math.round(160 * Theme.scale)
@@ -79,7 +81,7 @@ ColumnLayout {
             font.weight: Font.DemiBold
         }
         OLabel {
-            Layout.maximumWidth: shown.width * 0.7
+            Layout.maximumWidth: shown.columnWidth * 0.7
             visible: shown.picture.yours !== true && text !== ""
             elide: Text.ElideRight
             text: shown.picture.credit || ""

@@ -124,6 +124,7 @@ Item {
             Layout.topMargin: Theme.xs
             visible: row.picture !== undefined && row.picture.url !== undefined
             picture: row.picture || ({})
+            columnWidth: lineColumn.width
             pictures: row.editor ? row.editor.pictures : null
             onRemoveRequested: row.editor.pictures.remove(row.index)
         }
