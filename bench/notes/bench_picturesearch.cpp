@@ -1,21 +1,14 @@
 // The picture picker against a real orvel-server holding 500 of the learner's own pictures, each
 // on a line of a note: from the last key of a query to the results in the picker, with the
 // picker's real pause for typing and with the pause shrunk to nothing (the search alone).
-#include "app/appstate.h"
-#include "app/services.h"
 #include "app/timings.h"
-#include "awaittask.h"
+#include "benchlearner.h"
 #include "notes/imagepicker.h"
 #include "records/notedraftline.h"
-#include "server/apiclient.h"
-#include "serverprocess.h"
-#include "sound/silentoutput.h"
-#include "sound/speech.h"
 
 #include <benchmark/benchmark.h>
 #include <QBuffer>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace orvel;
@@ -34,44 +27,27 @@ QByteArray png(int n)
     return bytes;
 }
 
+// The learner with 500 pictures, each on a line of a note: "Katze 0", "Katze 1", …
 struct Library {
-    QTemporaryDir dir;
-    ServerProcess server{{QStringLiteral("--local")}};
-    std::unique_ptr<APIClient> api;
-    std::unique_ptr<AppState> state;
-    SilentOutput output;
-    std::unique_ptr<Speech> speech;
-    std::unique_ptr<Services> services;
+    benchsupport::BenchLearner learner;
     int deck = 0;
-    QString error;
 
     bool start()
     {
-        if (!server.start()) {
-            error = server.errorText();
+        if (!learner.start())
             return false;
-        }
-        api = std::make_unique<APIClient>(server.baseUrl(), dir.filePath("jar"), QString());
-        state = std::make_unique<AppState>(*api);
-        speech = std::make_unique<Speech>(*api, output, dir.path());
-        services = std::make_unique<Services>(*api, *state, *speech);
-        await(api->signUp(QStringLiteral("pic@example.org"), QStringLiteral("a long password"),
-                          QStringLiteral("Pic")));
-        await(api->signIn(QStringLiteral("pic@example.org"), QStringLiteral("a long password")));
-        deck = await(api->createDeck(QStringLiteral("Deutsch"), QString(), QStringLiteral("de"),
-                                     QStringLiteral("en"), std::nullopt))
-                   .id;
-        // 500 pictures, each on a line of its own: "Katze 17", …
-        const Note note = await(api->createNote(deck, QString(), QString()));
+        orvel::APIClient &api = *learner.api;
+        deck = learner.newLearnerWithDeck();
+        const Note note = await(api.createNote(deck, QString(), QString()));
         QList<NoteDraftLine> lines;
         for (int n = 0; n < 500; ++n) {
-            const Media media = await(api->uploadImage(png(n), QStringLiteral("image/png")));
+            const Media media = await(api.uploadImage(png(n), QStringLiteral("image/png")));
             NoteDraftLine line;
             line.text = QStringLiteral("Katze %1").arg(n);
             line.mediaId = media.id;
             lines.append(line);
         }
-        await(api->saveNote(note.id, QStringLiteral("Bilder"), lines));
+        await(api.saveNote(note.id, QStringLiteral("Bilder"), lines));
         return true;
     }
 };
@@ -85,8 +61,8 @@ Library &library()
 void lastKeyToResults(benchmark::State &state, double pauseFactor)
 {
     Library &l = library();
-    if (!l.api && !l.start()) {
-        state.SkipWithError(qPrintable(l.error));
+    if (!l.learner.api && !l.start()) {
+        state.SkipWithError(qPrintable(l.learner.error));
         return;
     }
     Timings::shared() = Timings{}.scaled(pauseFactor);

@@ -2,6 +2,7 @@
 
 #include "app/services.h"
 #include "app/timings.h"
+#include "library/learnerinput.h"
 #include "notes/notetexts.h"
 #include "server/apiclient.h"
 
@@ -9,27 +10,12 @@
 
 namespace orvel {
 
-namespace {
-
-QString trimmed(const QString &text)
-{
-    qsizetype from = 0;
-    qsizetype to = text.size();
-    while (from < to && (text[from] == u' ' || text[from] == u'\t'))
-        ++from;
-    while (to > from && (text[to - 1] == u' ' || text[to - 1] == u'\t'))
-        --to;
-    return text.mid(from, to - from);
-}
-
-} // namespace
-
 ImagePicker::ImagePicker(QString query, int deck, QString kind, QObject *parent)
     : QObject(parent), m_api(Services::current().api()), m_deck(deck), m_kind(std::move(kind)),
       m_query(std::move(query))
 {
     m_pause.setSingleShot(true);
-    connect(&m_pause, &QTimer::timeout, this, [this] { search(trimmed(m_query)); });
+    connect(&m_pause, &QTimer::timeout, this, [this] { search(trimSpacesAndTabs(m_query)); });
     look();
 }
 
@@ -48,7 +34,7 @@ void ImagePicker::look()
     // nothing.
     m_pause.stop();
     m_calls.abandonLatest();
-    if (trimmed(m_query).isEmpty()) {
+    if (trimSpacesAndTabs(m_query).isEmpty()) {
         m_results.clear();
         m_searched.clear();
         m_at = 0;
@@ -88,7 +74,7 @@ QVariantList ImagePicker::results() const
 
 QString ImagePicker::notice() const
 {
-    if (trimmed(m_query).isEmpty())
+    if (trimSpacesAndTabs(m_query).isEmpty())
         return notetexts::typeWhatPicture();
     if (moving() && m_sources && !m_sources->tenor && !m_sources->giphy)
         return notetexts::diagramsOnly();

@@ -1,5 +1,6 @@
 #include "notes/slash.h"
 
+#include "library/learnerinput.h"
 #include "notes/notetexts.h"
 
 #include <QRegularExpression>
@@ -47,16 +48,10 @@ std::optional<Slash::Reading> Slash::read(const QString &line)
     // Spaces and tabs at either end go; then the whole line must be "/", letters, and either
     // nothing more or spaces and the rest: "/1" and "/img/x" are ordinary lines, since a verb is
     // letters only and ends where the line or a space does.
-    qsizetype from = 0;
-    qsizetype to = line.size();
-    while (from < to && (line[from] == u' ' || line[from] == u'\t'))
-        ++from;
-    while (to > from && (line[to - 1] == u' ' || line[to - 1] == u'\t'))
-        --to;
     static const QRegularExpression pattern(QStringLiteral("^/([a-z]*)(?:\\s+(.*))?$"),
                                             QRegularExpression::CaseInsensitiveOption |
                                                 QRegularExpression::DotMatchesEverythingOption);
-    const QRegularExpressionMatch match = pattern.match(line.mid(from, to - from));
+    const QRegularExpressionMatch match = pattern.match(trimSpacesAndTabs(line));
     if (!match.hasMatch())
         return std::nullopt;
 
