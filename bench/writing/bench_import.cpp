@@ -1,19 +1,12 @@
 // Adding cards from a pasted text against a real orvel-server with its dictionary writer: how
 // long a 20,000-character German article takes from "Find words" to the list of candidates, how
 // many cards a second the batch then writes, and what the import sheet holds for 500 candidates.
-#include "app/appstate.h"
-#include "app/services.h"
-#include "awaittask.h"
-#include "server/apiclient.h"
-#include "serverprocess.h"
-#include "sound/silentoutput.h"
-#include "sound/speech.h"
+#include "benchlearner.h"
 #include "writing/importsheet.h"
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace orvel;
@@ -44,54 +37,17 @@ QString germanArticle(qsizetype characters)
     return text.left(characters);
 }
 
-struct Session {
-    QTemporaryDir dir;
-    ServerProcess server{{QStringLiteral("--local")}};
-    std::unique_ptr<APIClient> api;
-    std::unique_ptr<AppState> state;
-    SilentOutput output;
-    std::unique_ptr<Speech> speech;
-    std::unique_ptr<Services> services;
-    int deck = 0;
-    int signUps = 0;
-
-    bool start()
-    {
-        if (!server.start())
-            return false;
-        api = std::make_unique<APIClient>(server.baseUrl(), dir.filePath("jar"), QString());
-        state = std::make_unique<AppState>(*api);
-        speech = std::make_unique<Speech>(*api, output, dir.path());
-        services = std::make_unique<Services>(*api, *state, *speech);
-        return true;
-    }
-
-    // A fresh learner with an empty German deck, so no word counts as already there.
-    bool freshDeck()
-    {
-        const QString email = QStringLiteral("bench%1@example.org").arg(++signUps);
-        testsupport::await(
-            api->signUp(email, QStringLiteral("a long password"), QStringLiteral("Bench")));
-        testsupport::await(api->signIn(email, QStringLiteral("a long password")));
-        deck = testsupport::await(api->createDeck(QStringLiteral("Deutsch"), QString(),
-                                                  QStringLiteral("de"), QStringLiteral("en"),
-                                                  std::nullopt))
-                   .id;
-        return deck > 0;
-    }
-};
-
-Session &session()
+benchsupport::BenchLearner &session()
 {
-    static Session s;
-    return s;
+    static benchsupport::BenchLearner learner;
+    return learner;
 }
 
 void BM_ImportGermanArticle(benchmark::State &state)
 {
-    Session &s = session();
+    benchsupport::BenchLearner &s = session();
     if (!s.api && !s.start()) {
-        state.SkipWithError("orvel-server did not start");
+        state.SkipWithError(qPrintable(s.error));
         return;
     }
     const QString article = germanArticle(20000);
@@ -101,12 +57,10 @@ void BM_ImportGermanArticle(benchmark::State &state)
     int candidates = 0;
     for (auto _ : state) {
         state.PauseTiming();
-        if (!s.freshDeck()) {
-            state.SkipWithError("no deck");
-            return;
-        }
+        // A new learner each time, so no word counts as already in the deck.
+        const int deck = s.newLearnerWithDeck();
         int wrote = 0;
-        ImportSheet sheet(s.deck, QStringLiteral("German"), article,
+        ImportSheet sheet(deck, QStringLiteral("German"), article,
                           [&](const QList<Card> &cards) { wrote += int(cards.size()); });
         state.ResumeTiming();
         QElapsedTimer clock;

@@ -1,6 +1,7 @@
 // orvel: the desktop app's entry. It keeps to one process per user (a later launch hands its
 // arguments over and exits), makes the app state, installs the Linux adapters, loads the QML
-// window and restores the session.
+// window and restores the session. `orvel --remind`, which the daily reminder's timer runs, only
+// shows the reminder's notification.
 #include "app/appcommands.h"
 #include "app/appstate.h"
 #include "app/browser.h"
@@ -14,10 +15,14 @@
 #include "platform/audio/qtaudiooutput.h"
 #include "platform/brand.h"
 #include "platform/colourscheme.h"
+#include "platform/desktopnotifications.h"
 #include "platform/launchhandler.h"
+#include "platform/linuxnotificationcentre.h"
 #include "platform/renderchoice.h"
 #include "platform/starttime.h"
 #include "platform/windowmemory.h"
+#include "reminders/reminder.h"
+#include "reminders/remindertexts.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
 #include "sound/speech.h"
@@ -37,9 +42,39 @@ Q_IMPORT_QML_PLUGIN(Orvel_CorePlugin)
 
 using namespace orvel;
 
+namespace {
+
+QStringList argumentsOf(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return arguments;
+}
+
+// The daily reminder's timer runs this: the notification goes to the desktop's notification
+// server, with no window, no display and no word to a running instance.
+int remind(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("orvel"));
+    DesktopNotifications notifications;
+    const std::optional<QString> problem =
+        notifications.show(remindertexts::title(), remindertexts::body(), true);
+    if (problem) {
+        std::fprintf(stderr, "orvel: cannot show the daily reminder: %s\n", qPrintable(*problem));
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace
+
 int main(int argc, char *argv[])
 {
     StartTime::markMain();
+    if (LaunchRequest::parse(argumentsOf(argc, argv)).remind)
+        return remind(argc, argv);
     QGuiApplication app(argc, argv);
     QGuiApplication::setApplicationName(QStringLiteral("orvel"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Orvel"));
@@ -67,7 +102,10 @@ int main(int argc, char *argv[])
     AppState state(api);
     QtAudioOutput audio;
     Speech speech(api, audio, QDir::tempPath());
-    Services services(api, state, speech);
+    // The daily reminder, kept by a systemd user timer and shown by the notification server.
+    LinuxNotificationCentre notificationCentre;
+    Reminder reminder(notificationCentre);
+    Services services(api, state, speech, &reminder);
     // Notes whose last save never reached the server are saved once the learner is signed in.
     JournalReplay journalReplay;
     SpeechSound sound(speech);
@@ -116,6 +154,20 @@ int main(int argc, char *argv[])
     WindowMemory place(window, LocalSettings::store());
     place.show();
     QObject::connect(&app, &QGuiApplication::aboutToQuit, &place, &WindowMemory::save);
+
+    // Once the window is on screen, the reminder's timer is brought in line with the settings:
+    // one that was lost, or whose notifications went away, is mended at each start.
+    // (Frames come from the render thread; several may be queued before the first is seen.)
+    auto firstFrame = std::make_shared<std::pair<QMetaObject::Connection, bool>>();
+    firstFrame->first = QObject::connect(
+        window, &QQuickWindow::frameSwapped, &reminder,
+        [&reminder, firstFrame] {
+            QObject::disconnect(firstFrame->first);
+            if (std::exchange(firstFrame->second, true))
+                return;
+            reminder.schedule();
+        },
+        Qt::QueuedConnection);
 
     launches.handle(request, false);
     state.restore();

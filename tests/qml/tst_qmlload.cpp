@@ -5,6 +5,7 @@
 #include "app/welcomesheet.h"
 #include "library/homeview.h"
 #include "palette/commandpalette.h"
+#include "reminders/reminderpane.h"
 #include "scriptedserver.h"
 #include "server/apiclient.h"
 #include "server/localsettings.h"
@@ -151,6 +152,12 @@ private slots:
                            {"pending", false},
                            {"stale", true},
                            {"staleText", "changed"},
+                           {"picture", QVariantMap{{"url", "/media/1/a.png"},
+                                                   {"width", 640},
+                                                   {"height", 480},
+                                                   {"credit", "Ana · CC BY"},
+                                                   {"yours", false},
+                                                   {"moving", false}}},
                            {"remarks", QVariantList{remark}}};
             if (file.endsWith(QLatin1String("/ImportWordRow.qml")))
                 initial = {{"index", 0},
@@ -229,11 +236,30 @@ private slots:
         QTRY_COMPARE(m_state->auth(), AppState::Auth::SignedIn);
         QTRY_VERIFY(m_state->hasPreferences());
         QCoreApplication::processEvents();
-        auto *settings = root->findChild<QQuickWindow *>();
+        // The settings window by its title: the manual is a window of the root's too.
+        QQuickWindow *settings = nullptr;
+        for (auto *window : root->findChildren<QQuickWindow *>())
+            if (window->title() == QLatin1String("Orvel Settings"))
+                settings = window;
         QVERIFY(settings);
         settings->show();
-        for (int pane : {1, 0})
+        for (int pane : {1, 2, 0})
             settings->setProperty("pane", pane);
+        // The reminder pane on, at another hour, refused, and with no timer to be had.
+        auto *reminder = settings->findChild<ReminderPane *>();
+        QVERIFY(reminder);
+        QTRY_VERIFY(reminder->ready());
+        reminder->setOn(true);
+        reminder->setHour(7);
+        QTRY_COMPARE(m_services->notifications().pending.size(), 1);
+        m_services->notifications().status = NotificationCentre::Authorization::Denied;
+        reminder->setOn(false);
+        reminder->setOn(true);
+        QTRY_VERIFY(reminder->refused());
+        m_services->notifications().schedulable = false;
+        reminder->reload();
+        QTRY_VERIFY(!reminder->available());
+        m_services->notifications().schedulable = true;
         m_state->chooseSkin(QStringLiteral("sage"));
         m_state->setSystemIsDark(true);
         m_state->choose(AppState::Appearance::System);

@@ -28,7 +28,9 @@ public:
         FindEverywhere,
         QuickAdd,
         Palette,
-        Manual
+        Manual,
+        Settings,
+        AddFromText
     };
     Q_ENUM(Command)
 

@@ -13,10 +13,20 @@ LaunchRequest LaunchRequest::parse(const QStringList &arguments)
             request.addWord = argument.mid(6);
         } else if (argument == QLatin1String("--add-selection")) {
             request.addSelection = true;
+        } else if (argument == QLatin1String("--manual")) {
+            // The page is optional: a next argument that is an option or a callback is not one.
+            const bool page =
+                i + 1 < arguments.size() && !arguments[i + 1].startsWith(u'-') &&
+                !arguments[i + 1].startsWith(QLatin1String("orvel:"), Qt::CaseInsensitive);
+            request.manualPage = page ? arguments[++i] : QString();
+        } else if (argument.startsWith(QLatin1String("--manual="))) {
+            request.manualPage = argument.mid(9);
         } else if (argument == QLatin1String("--new-deck")) {
             request.newDeck = true;
         } else if (argument == QLatin1String("--timings")) {
             request.timings = true;
+        } else if (argument == QLatin1String("--remind")) {
+            request.remind = true;
         } else if (argument == QLatin1String("-ZELON_HOST") ||
                    argument == QLatin1String("--ZELON_HOST")) {
             ++i;

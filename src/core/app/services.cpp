@@ -10,8 +10,9 @@ Services *installedServices = nullptr;
 
 } // namespace
 
-Services::Services(APIClient &api, AppState &state, Speech &speech)
-    : m_api(api), m_state(state), m_speech(speech), m_previous(installedServices)
+Services::Services(APIClient &api, AppState &state, Speech &speech, Reminder *reminder)
+    : m_api(api), m_state(state), m_speech(speech), m_reminder(reminder),
+      m_previous(installedServices)
 {
     installedServices = this;
 }
@@ -29,6 +30,14 @@ Services &Services::current()
         qFatal("orvel: a screen was made before the app's services were installed "
                "(install an orvel::Services first)");
     return *installedServices;
+}
+
+Reminder &Services::reminder() const
+{
+    if (!m_reminder)
+        qFatal("orvel: the reminder's pane was made with services that have no reminder "
+               "(pass one to orvel::Services)");
+    return *m_reminder;
 }
 
 bool Services::installed()

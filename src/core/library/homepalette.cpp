@@ -61,10 +61,10 @@ PaletteContext HomePalette::context(HomeView &home)
     };
     context.rewrite = [view](const Card &card) { view->rewriteCard(card.deckId, card.id); };
     context.deleteCard = [view](const Card &card) { view->deleteCard(card.deckId, card.id); };
-    context.openManual = [](const QString &pageId, const QString &anchor) {
-        // The manual window listens for the command, with the page as its text.
-        AppCommands::shared().post(AppCommand::Manual,
-                                   anchor.isEmpty() ? pageId : pageId + u'#' + anchor);
+    context.openManual = [](const QString &pageId, const QString &) {
+        // The manual window listens for the command, with the page as its text; its pages have
+        // no places within them, so a page opens at its top.
+        AppCommands::shared().post(AppCommand::Manual, pageId);
     };
     context.chooseAppearance = [state](const QString &mode) {
         for (const auto appearance : {AppState::Appearance::System, AppState::Appearance::Light,
@@ -72,7 +72,7 @@ PaletteContext HomePalette::context(HomeView &home)
             if (AppState::appearanceText(appearance) == mode)
                 state->choose(appearance);
     };
-    context.openSettings = [view] { view->askForSettings(); };
+    context.openSettings = [] { AppCommands::shared().post(AppCommand::Settings); };
     return context;
 }
 

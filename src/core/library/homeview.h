@@ -87,7 +87,6 @@ public:
     bool writeCard(int deckId, const QString &term);
     // Opens a folder in the sidebar and says so (folderRevealed), for the sidebar to show it.
     bool revealFolder(int folderId);
-    void askForSettings() { emit settingsAsked(); }
 
     // A deck the new-deck sheet made: it joins the shelf and opens.
     Q_INVOKABLE void adopt(const orvel::DeckSummary &deck);
@@ -107,8 +106,6 @@ signals:
     void writeAsked(const QString &term);
     // The sidebar brings this folder into view.
     void folderRevealed(int folderId);
-    // The settings window is asked for (from the palette).
-    void settingsAsked();
 
 private:
     CardList *m_cards = nullptr;

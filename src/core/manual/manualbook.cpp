@@ -87,12 +87,17 @@ std::optional<ManualChapter> ManualBook::chapterOf(const QString &id)
 
 QString ManualBook::text(const QString &id)
 {
+    return text(id, {QStringLiteral(":/"), QStringLiteral(":/Manual/")});
+}
+
+QString ManualBook::text(const QString &id, const QStringList &folders)
+{
     const std::optional<ManualPage> known = page(id);
     if (!known)
         return {};
     const QString name = QStringLiteral("manual-") + id + QStringLiteral(".md");
-    for (const QString &path : {QStringLiteral(":/") + name, QStringLiteral(":/Manual/") + name}) {
-        QFile file(path);
+    for (const QString &folder : folders) {
+        QFile file(folder + (folder.endsWith(u'/') ? QString() : QStringLiteral("/")) + name);
         if (file.open(QIODevice::ReadOnly))
             return QString::fromUtf8(file.readAll());
     }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 namespace orvel {
 
@@ -20,6 +21,8 @@ public:
     // The page's text; a page whose file is missing or unreadable still shows its title and a
     // line saying so. Empty for an id that names no page.
     static QString text(const QString &id);
+    // The same, looking in the given folders in turn (":/" and ":/Manual/" for the app's own).
+    static QString text(const QString &id, const QStringList &folders);
     // The pages whose title, question or text hold every word of the query (case and accents
     // folded, anywhere in a word), in chapter order. A blank query finds every page.
     static QList<ManualPage> search(const QString &query);

@@ -42,7 +42,8 @@ QList<NoteEditor *> &liveEditors()
 NoteEditor::NoteEditor(QObject *parent)
     : QObject(parent), m_api(Services::current().api()), m_state(Services::current().state()),
       m_calls(this, &NoteEditor::workingChanged, &NoteEditor::troubleChanged),
-      m_lines(new NoteLines(this))
+      m_lines(new NoteLines(this)), m_commands(new NoteCommands(*this, this)),
+      m_pictures(new NotePictures(*this, this))
 {
     for (QTimer *timer : {&m_saveTimer, &m_settleTimer, &m_marginTimer, &m_retryTimer})
         timer->setSingleShot(true);
@@ -81,6 +82,8 @@ NoteEditor::~NoteEditor()
 
 void NoteEditor::open(const Note &note, int deckId, const QString &language)
 {
+    m_commands->stop();
+    m_pictures->closePicker();
     // Lines of the note before that the server has not got stay in the journal.
     if (m_loaded && !m_deleted)
         m_keeper.now();
@@ -244,6 +247,14 @@ bool NoteEditor::key(int index, int lineKey)
     if (!m_loaded)
         return false;
     const auto which = LineKey(lineKey);
+    // A command line's menu has the arrows, Return and Escape while it is open.
+    if (index >= 0 && index == m_commands->row()) {
+        if ((which == LineKey::Up && m_commands->move(-1)) ||
+            (which == LineKey::Down && m_commands->move(1)) ||
+            (which == LineKey::Newline && m_commands->returnPressed(index)) ||
+            (which == LineKey::Escape && m_commands->escape()))
+            return true;
+    }
     switch (which) {
     case LineKey::Undo:
         return step(true);
@@ -332,6 +343,44 @@ void NoteEditor::edit(int index, const QString &text)
     m_lines->setText(index, text);
     setCaretQuietly(index);
     changed();
+    m_commands->lineEdited(index, text);
+}
+
+void NoteEditor::rewriteLine(int index, const QString &text)
+{
+    if (!m_loaded || index < 0 || index >= m_lines->count())
+        return;
+    m_lines->setText(index, text);
+    setCaret(index, LinePlace::End);
+    changed();
+}
+
+void NoteEditor::replaceLine(int index, const QStringList &texts, const QString &source)
+{
+    if (!m_loaded || index < 0 || index >= m_lines->count() || texts.isEmpty())
+        return;
+    m_lines->remove(index);
+    for (qsizetype i = 0; i < texts.size(); ++i) {
+        Draft line = Draft::withText(texts[i]);
+        line.source = source;
+        m_lines->insert(index + int(i), line);
+    }
+    setCaret(index + int(texts.size()) - 1, LinePlace::End);
+    changed();
+}
+
+void NoteEditor::setPicture(const QUuid &key, const std::optional<Media> &media,
+                            const std::optional<QString> &text)
+{
+    const int row = m_lines->rowOf(key);
+    if (!m_loaded || row < 0)
+        return;
+    Draft line = m_lines->at(row);
+    line.media = media;
+    if (text)
+        line.text = *text;
+    m_lines->replace(row, line);
+    changed();
 }
 
 void NoteEditor::placeCaret(int index)
@@ -343,6 +392,7 @@ void NoteEditor::placeCaret(int index)
 
 void NoteEditor::setCaret(int index, LinePlace place)
 {
+    m_commands->caretMoved(index);
     m_caret = index;
     m_caretPlace = place;
     ++m_caretMoves;
@@ -353,6 +403,7 @@ void NoteEditor::setCaretQuietly(int index)
 {
     if (m_caret == index)
         return;
+    m_commands->caretMoved(index);
     m_caret = index;
     m_caretPlace = LinePlace::Keep;
     emit caretChanged();
@@ -664,6 +715,8 @@ QCoro::Task<> NoteEditor::deleteNote()
 
 void NoteEditor::close()
 {
+    m_commands->stop();
+    m_pictures->closePicker();
     if (!m_loaded)
         return;
     if (!m_deleted)

@@ -3,7 +3,9 @@
 #include "app/servercalls.h"
 #include "notes/draft.h"
 #include "notes/draftkeeper.h"
+#include "notes/notecommands.h"
 #include "notes/notelines.h"
+#include "notes/notepictures.h"
 #include "notes/notesave.h"
 #include "notes/undohistory.h"
 #include "records/note.h"
@@ -49,7 +51,9 @@ class StreamReply;
 // - CommandReturn asks for the margin of the pending lines;
 // - Escape closes what the editor has open (the delete question, a card made message, a run's
 //   outcome) and is not taken otherwise;
-// - PasteImage is not taken: lines do not hold pasted pictures yet.
+// - PasteImage is not taken here: the view hands a pasted picture to pictures()->place();
+// - while the line with the caret reads as a slash command, Up/Down move in its menu, Return
+//   picks or runs (commands()), and Escape closes the menu.
 class NoteEditor : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -59,6 +63,8 @@ class NoteEditor : public QObject {
     Q_PROPERTY(QString titlePlaceholder READ titlePlaceholder CONSTANT)
     Q_PROPERTY(QString suggestedTitle READ suggestedTitle NOTIFY linesChanged)
     Q_PROPERTY(orvel::NoteLines *lines READ lines CONSTANT)
+    Q_PROPERTY(orvel::NoteCommands *commands READ commands CONSTANT)
+    Q_PROPERTY(orvel::NotePictures *pictures READ pictures CONSTANT)
     Q_PROPERTY(int caret READ caret NOTIFY caretChanged)
     Q_PROPERTY(LinePlace caretPlace READ caretPlace NOTIFY caretChanged)
     Q_PROPERTY(int caretMoves READ caretMoves NOTIFY caretChanged)
@@ -128,6 +134,8 @@ public:
     QString titlePlaceholder() const;
     QString suggestedTitle() const;
     NoteLines *lines() const { return m_lines; }
+    NoteCommands *commands() const { return m_commands; }
+    NotePictures *pictures() const { return m_pictures; }
     int caret() const { return m_caret; }
     LinePlace caretPlace() const { return m_caretPlace; }
     int caretMoves() const { return m_caretMoves; }
@@ -165,6 +173,14 @@ public:
     Q_INVOKABLE void edit(int index, const QString &text);
     // The learner put the caret into a line (a click); nothing is saved.
     Q_INVOKABLE void placeCaret(int index);
+
+    // Changes the commands and pictures make, each an undoable, saved change: a line's text
+    // (the caret at its end); a line replaced by lines that record where they came from; a
+    // line's picture put on or taken off (with the line's text, when given).
+    void rewriteLine(int index, const QString &text);
+    void replaceLine(int index, const QStringList &texts, const QString &source);
+    void setPicture(const QUuid &key, const std::optional<Media> &media,
+                    const std::optional<QString> &text = std::nullopt);
 
     // Margin: the pending lines, every line again, and per remark.
     Q_INVOKABLE void askForMargin();
@@ -266,6 +282,8 @@ private:
     ServerCalls m_calls;
     std::shared_ptr<bool> m_alive = std::make_shared<bool>(true);
     NoteLines *m_lines;
+    NoteCommands *m_commands;
+    NotePictures *m_pictures;
     DraftKeeper m_keeper{[this] { return journalEntry(); }, [this] { return dirty(); }};
     UndoHistory m_history;
 

@@ -3,6 +3,7 @@
 #include "notes/notetexts.h"
 
 #include <QSet>
+#include <QUrl>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -48,21 +49,37 @@ QVariant NoteLines::data(const QModelIndex &index, int role) const
         return marginState(row) == MarginState::Stale ? notetexts::stale() : QString();
     case RemarksRole:
         return remarks(row);
+    case PictureRole:
+        return picture(draft);
     default:
         return {};
     }
 }
 
+QVariantMap NoteLines::picture(const Draft &draft)
+{
+    if (!draft.media)
+        return {};
+    const Media &media = *draft.media;
+    const QString path = QUrl(media.url).path().toLower();
+    return {{QStringLiteral("url"), media.url},
+            {QStringLiteral("width"), media.width},
+            {QStringLiteral("height"), media.height},
+            {QStringLiteral("credit"), media.credit()},
+            {QStringLiteral("title"), media.title},
+            // What the learner brought (an upload, or one of their own found again) rather than
+            // a picture a search provider found.
+            {QStringLiteral("yours"),
+             media.origin == QLatin1String("upload") || media.origin == QLatin1String("yours")},
+            {QStringLiteral("moving"),
+             path.endsWith(QLatin1String(".gif")) || path.endsWith(QLatin1String(".webp"))}};
+}
+
 QHash<int, QByteArray> NoteLines::roleNames() const
 {
-    return {{KeyRole, "key"},
-            {LineIdRole, "lineId"},
-            {TextRole, "text"},
-            {HasPictureRole, "hasPicture"},
-            {PendingRole, "pending"},
-            {StaleRole, "stale"},
-            {StaleTextRole, "staleText"},
-            {RemarksRole, "remarks"}};
+    return {{KeyRole, "key"},         {LineIdRole, "lineId"},         {TextRole, "text"},
+            {PictureRole, "picture"}, {HasPictureRole, "hasPicture"}, {PendingRole, "pending"},
+            {StaleRole, "stale"},     {StaleTextRole, "staleText"},   {RemarksRole, "remarks"}};
 }
 
 int NoteLines::rowOf(const QUuid &key) const

@@ -9,6 +9,7 @@
 #include <QtQml/qqmlregistration.h>
 #include <QUuid>
 #include <QVariantList>
+#include <QVariantMap>
 
 namespace orvel {
 
@@ -31,6 +32,7 @@ public:
         StaleRole,
         StaleTextRole,
         RemarksRole,
+        PictureRole, // {url, width, height, credit, yours, moving}, empty without a picture
     };
     Q_ENUM(Role)
 
@@ -91,6 +93,7 @@ signals:
 
 private:
     QVariantList remarks(int row) const;
+    static QVariantMap picture(const Draft &draft);
     void changed(int row);
     static QString remarkKey(const QUuid &key, int remark);
 

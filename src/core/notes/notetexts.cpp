@@ -130,4 +130,90 @@ QString unknownKind(const QString &kind)
     return QStringLiteral("“%1” is not a kind of remark.").arg(kind);
 }
 
+QString slashHintImg()
+{
+    return QStringLiteral("Find a picture of it");
+}
+
+QString slashHintGif()
+{
+    return QStringLiteral("Find one that moves");
+}
+
+QString slashHintConj()
+{
+    return QStringLiteral("Conjugate the verb");
+}
+
+QString slashHintMnemonic()
+{
+    return QStringLiteral("A hook to remember it by");
+}
+
+QString slashHintSay()
+{
+    return QStringLiteral("Hear it aloud");
+}
+
+QString slashFooter()
+{
+    return QStringLiteral("↑ ↓ to choose · ↩ to pick · esc to stop");
+}
+
+QString noSuchCommand()
+{
+    return QStringLiteral("No command by that name.");
+}
+
+QString sayWhichWord()
+{
+    return QStringLiteral(
+        "Say which word — type it after the command, or put it on the line above.");
+}
+
+QString nothingCameBack(const QString &word)
+{
+    return QStringLiteral("Nothing came back for “") + word + QStringLiteral("”");
+}
+
+QString pickerFooter()
+{
+    return QStringLiteral("← → to choose · ↩ to place it · esc to stop");
+}
+
+QString typeWhatPicture()
+{
+    return QStringLiteral("Type what the picture should be of.");
+}
+
+QString nothingFound(const QString &query)
+{
+    return QStringLiteral("Nothing found for “") + query + QStringLiteral("”");
+}
+
+QString diagramsOnly()
+{
+    return QStringLiteral("Diagrams only — set TENOR_API_KEY or GIPHY_API_KEY for reactions.");
+}
+
+QString pictureFailed()
+{
+    return QStringLiteral("That picture could not be loaded.");
+}
+
+QString removePicture()
+{
+    return QStringLiteral("Remove");
+}
+
+QString yours()
+{
+    return QStringLiteral("Yours");
+}
+
+QString pictureOf(const QString &word)
+{
+    return QStringLiteral("Picture of ") + word;
+}
+
 } // namespace orvel::notetexts

@@ -48,6 +48,29 @@ QString recoveredSaved();
 // "“x” is not a kind of remark.": a kind the margin does not know.
 QString unknownKind(const QString &kind);
 
-} // namespace notetexts
+// Slash commands.
+QString slashHintImg();
+QString slashHintGif();
+QString slashHintConj();
+QString slashHintMnemonic();
+QString slashHintSay();
+// "↑ ↓ to choose · ↩ to pick · esc to stop"
+QString slashFooter();
+QString noSuchCommand();
+QString sayWhichWord();
+// "Nothing came back for “word”"
+QString nothingCameBack(const QString &word);
 
+// Pictures.
+QString pickerFooter();
+QString typeWhatPicture();
+// "Nothing found for “query”"
+QString nothingFound(const QString &query);
+QString diagramsOnly();
+QString pictureFailed();
+QString removePicture();
+QString yours();
+QString pictureOf(const QString &word);
+
+} // namespace notetexts
 } // namespace orvel

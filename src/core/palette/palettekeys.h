@@ -34,7 +34,7 @@ inline QString firstNineDecks()
 }
 inline QString manual()
 {
-    return QStringLiteral("F1");
+    return QStringLiteral("Ctrl+?");
 }
 inline QString settings()
 {

@@ -51,6 +51,22 @@ inline QString deckPage()
 {
     return QStringLiteral("zelon.deck.page");
 }
+// The manual page shown last.
+inline QString manualPage()
+{
+    return QStringLiteral("zelon.manual.page");
+}
+
+// Whether the daily reminder is wanted (off when absent).
+inline QString reminderOn()
+{
+    return QStringLiteral("zelon.reminder.on");
+}
+// The daily reminder's hour, local time, minute 0 (19 when absent or not an integer).
+inline QString reminderHour()
+{
+    return QStringLiteral("zelon.reminder.hour");
+}
 
 // The decks and cards last opened from the palette: a JSON list, newest first, at most eight.
 inline QString paletteRecents()

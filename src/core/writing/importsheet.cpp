@@ -59,9 +59,14 @@ void ImportSheet::setText(const QString &text)
 {
     if (m_text == text)
         return;
-    const bool could = canFind();
-    m_text = text;
+    changeFinding([&] { m_text = text; });
     emit textChanged();
+}
+
+void ImportSheet::changeFinding(const std::function<void()> &change)
+{
+    const bool could = canFind();
+    change();
     if (could != canFind())
         emit canFindChanged();
 }
@@ -116,21 +121,11 @@ QVariantList ImportSheet::writtenCards() const
     return list;
 }
 
-QVariantList ImportSheet::skips() const
+QVariantList ImportSheet::passedWords(bool failed) const
 {
     QVariantList list;
     for (const Passed &word : m_passed)
-        if (!word.failed)
-            list.append(QVariantMap{{QStringLiteral("term"), word.term},
-                                    {QStringLiteral("why"), word.why}});
-    return list;
-}
-
-QVariantList ImportSheet::failures() const
-{
-    QVariantList list;
-    for (const Passed &word : m_passed)
-        if (word.failed)
+        if (word.failed == failed)
             list.append(QVariantMap{{QStringLiteral("term"), word.term},
                                     {QStringLiteral("why"), word.why}});
     return list;
@@ -306,23 +301,17 @@ void ImportSheet::setStage(Stage stage)
 {
     if (m_stage == stage)
         return;
-    const bool could = canFind();
-    m_stage = stage;
+    changeFinding([&] { m_stage = stage; });
     emit stageChanged();
     emit subtitleChanged();
-    if (could != canFind())
-        emit canFindChanged();
 }
 
 void ImportSheet::setBusy(bool busy)
 {
     if (m_busy == busy)
         return;
-    const bool could = canFind();
-    m_busy = busy;
+    changeFinding([&] { m_busy = busy; });
     emit busyChanged();
-    if (could != canFind())
-        emit canFindChanged();
 }
 
 void ImportSheet::setTrouble(const QString &trouble)

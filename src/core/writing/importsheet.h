@@ -100,8 +100,8 @@ public:
     // The cards written so far, newest first: each {term, translation}.
     QVariantList writtenCards() const;
     // The words passed over on purpose, and those that failed: each {term, why}.
-    QVariantList skips() const;
-    QVariantList failures() const;
+    QVariantList skips() const { return passedWords(false); }
+    QVariantList failures() const { return passedWords(true); }
     QVariantMap texts() const;
 
     // Asks the server for the words of the text; on success the sheet moves on to choosing.
@@ -131,6 +131,9 @@ signals:
     void over();
 
 private:
+    QVariantList passedWords(bool failed) const;
+    // Makes a change that may start or stop the sheet being able to find words, and says so.
+    void changeFinding(const std::function<void()> &change);
     void setStage(Stage stage);
     void setBusy(bool busy);
     void setTrouble(const QString &trouble);

@@ -6,8 +6,7 @@
 
 namespace orvel {
 
-// What the clipboard holds, for the note lines' paste: its plain text, and whether it holds a
-// picture (an image, or a copied image file).
+// The clipboard's plain text, for the note lines' paste (pictures: ImageTransfer).
 class Clipboard : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -17,7 +16,6 @@ public:
     explicit Clipboard(QObject *parent = nullptr);
 
     Q_INVOKABLE QString text() const;
-    Q_INVOKABLE bool hasImage() const;
 };
 
 } // namespace orvel

@@ -52,6 +52,10 @@ void LaunchHandler::handle(const LaunchRequest &request, bool fromAnotherProcess
         activate();
         AppCommands::shared().post(AppCommand::NewDeck);
     }
+    if (request.manualPage) {
+        // The manual window comes forward by itself; an unknown page opens the one shown last.
+        AppCommands::shared().post(AppCommand::Manual, *request.manualPage);
+    }
     if (fromAnotherProcess && !request.carriesWork())
         activate();
 }

@@ -4,7 +4,7 @@ import Orvel
 import Orvel.Core
 
 // The main menu. "New" commands are posted to whichever screen can act on them. A command
-// appears here only once a screen acts on it (the manual is still to come).
+// appears here only once a screen acts on it. The Help menu searches the manual as you type.
 MenuBar {
     id: bar
 
@@ -15,6 +15,7 @@ MenuBar {
     property bool deckOpen: false
 
     signal settingsRequested()
+    signal manualRequested()
     signal quitRequested()
 
     font.family: Theme.uiFamily
@@ -75,6 +76,54 @@ MenuBar {
             shortcut: "Ctrl+K"
             enabled: bar.signedIn && !bar.studying
             onTriggered: AppCommands.post(AppCommands.Palette)
+        }
+    }
+
+    Menu {
+        id: help
+        title: "&Help"
+        width: helpField.width + 2 * Theme.s
+
+        onOpened: helpField.forceActiveFocus()
+        onClosed: {
+            helpField.text = ""
+            helpSearch.query = ""
+        }
+
+        ManualHelpSearch {
+            id: helpSearch
+        }
+
+        // The search field: matching pages are listed under it as you type.
+        OField {
+            id: helpField
+            width: Math.round(280 * Theme.scale)
+            x: Theme.s
+            placeholderText: "Search the Manual"
+            onTextEdited: helpSearch.query = text
+            Keys.onReturnPressed: {
+                if (helpSearch.results.length > 0) {
+                    helpSearch.open(helpSearch.results[0].id) // qmllint disable type
+                    help.close()
+                }
+            }
+            Keys.onDownPressed: help.currentIndex = 1
+        }
+        Instantiator {
+            model: helpSearch.results
+            delegate: MenuItem {
+                required property var modelData
+                text: modelData.question // qmllint disable type
+                onTriggered: helpSearch.open(modelData.id) // qmllint disable type unqualified
+            }
+            onObjectAdded: (index, object) => help.insertItem(index + 1, object)
+            onObjectRemoved: (index, object) => help.removeItem(object)
+        }
+        MenuSeparator {}
+        Action {
+            text: "Orvel Manual"
+            shortcut: "F1"
+            onTriggered: bar.manualRequested()
         }
     }
 }

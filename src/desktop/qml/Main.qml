@@ -37,6 +37,7 @@ ApplicationWindow {
         deckOpen: screen.item !== null && screen.item.view !== undefined // qmllint disable type
                   && screen.item.view.hasSelectedDeck
         onSettingsRequested: settings.showAndRaise()
+        onManualRequested: manual.showPage("")
         onQuitRequested: Qt.quit()
     }
 
@@ -65,6 +66,18 @@ ApplicationWindow {
         anchors.fill: parent
     }
 
+    ManualWindow {
+        id: manual
+        mainWindow: window
+    }
+
+    // Ctrl+? opens the manual wherever the focus is (F1 is the Help menu's own shortcut).
+    Shortcut {
+        sequences: ["Ctrl+?", "Ctrl+Shift+/"]
+        context: Qt.ApplicationShortcut
+        onActivated: manual.showPage("")
+    }
+
     SettingsWindow {
         id: settings
 
@@ -80,6 +93,17 @@ ApplicationWindow {
         ignoreUnknownSignals: true
         function onSettingsRequested() {
             settings.showAndRaise()
+        }
+    }
+
+    // The manual (on a page, when one is named) and the settings, wherever they are asked for.
+    Connections {
+        target: AppCommands
+        function onPosted(command, text) {
+            if (command === AppCommands.Manual)
+                manual.showPage(text)
+            else if (command === AppCommands.Settings && AppState.signedIn)
+                settings.showAndRaise()
         }
     }
 

@@ -81,10 +81,31 @@ private slots:
         QVERIFY(LaunchRequest::parse({"--new-deck"}).newDeck);
         QCOMPARE(other.unknown, QStringList({"--what"}));
 
+        // The reminder's timer: nothing for a running instance to do, and nothing else asked.
+        LaunchRequest remind = LaunchRequest::parse({"--remind"});
+        QVERIFY(remind.remind);
+        QVERIFY(!remind.carriesWork());
+        QVERIFY(remind.unknown.isEmpty());
+        QVERIFY(!plain.remind);
+        QVERIFY(!add.remind);
+
         // --add at the very end asks to add nothing.
         QCOMPARE(LaunchRequest::parse({"--add"}).addWord, std::optional<QString>(QString()));
         QCOMPARE(LaunchRequest::parse({"--add=Katze"}).addWord,
                  std::optional<QString>(QStringLiteral("Katze")));
+
+        // --manual with or without a page; an option or a callback after it is not a page.
+        QCOMPARE(LaunchRequest::parse({"--manual", "notes"}).manualPage,
+                 std::optional<QString>(QStringLiteral("notes")));
+        QCOMPARE(LaunchRequest::parse({"--manual=folders"}).manualPage,
+                 std::optional<QString>(QStringLiteral("folders")));
+        const LaunchRequest bare = LaunchRequest::parse({"--manual", "--timings"});
+        QCOMPARE(bare.manualPage, std::optional<QString>(QString()));
+        QVERIFY(bare.timings);
+        QVERIFY(bare.carriesWork());
+        QCOMPARE(LaunchRequest::parse({"--manual", "orvel://auth?code=2"}).manualPage,
+                 std::optional<QString>(QString()));
+        QCOMPARE(LaunchRequest::parse({"--manual"}).manualPage, std::optional<QString>(QString()));
     }
 
     void wordsFromOtherAppsOpenQuickAdd()
@@ -111,7 +132,8 @@ private slots:
         const QStringList expected{"zelon.command.newDeck",        "zelon.command.newNote",
                                    "zelon.command.newFolder",      "zelon.command.study",
                                    "zelon.command.findEverywhere", "zelon.command.quickAdd",
-                                   "zelon.command.palette",        "zelon.command.manual"};
+                                   "zelon.command.palette",        "zelon.command.manual",
+                                   "zelon.command.settings",       "zelon.command.addFromText"};
         QStringList names;
         for (AppCommand command : AppCommands::all()) {
             names.append(AppCommands::notification(command));

@@ -1,8 +1,13 @@
 // The note editor against a real orvel-server: lines typed in the editor reach the server in
-// order with their ids, and the margin the server's dictionary writes comes back beside them.
+// order with their ids, and the margin the server's dictionary writes comes back beside them; a
+// pasted picture stays on its line and loads after the note is opened again; "/conj laufen"
+// becomes the verb's forms.
 #include "app/timings.h"
 #include "awaittask.h"
+#include "notes/notecommands.h"
 #include "notes/noteeditor.h"
+#include "notes/notepictures.h"
+#include "notes/picturefile.h"
 #include "server/apiclient.h"
 #include "serverprocess.h"
 #include "skipunlessci.h"
@@ -85,6 +90,67 @@ private slots:
         QCOMPARE(editor.title(), QStringLiteral("der Hund"));
         QVERIFY(await(editor.flush()));
         QCOMPARE(await(api.note(created.id)).title, QStringLiteral("der Hund"));
+    }
+
+    void aPictureAndAConjugationStayWithTheNote()
+    {
+        APIClient api(m_server.baseUrl(), m_dir.filePath("jar2"), QString());
+        await(api.signUp(QStringLiteral("ben@example.org"), QStringLiteral("correct horse"),
+                         QStringLiteral("Ben")));
+        await(api.signIn(QStringLiteral("ben@example.org"), QStringLiteral("correct horse")));
+        const DeckSummary deck =
+            await(api.createDeck(QStringLiteral("Deutsch"), QString(), QStringLiteral("de"),
+                                 QStringLiteral("en"), std::nullopt));
+        const Note created = await(api.createNote(deck.id, QString(), QString()));
+        testsupport::TestServices services(api);
+
+        // A PNG of one grey pixel.
+        const QByteArray bytes =
+            QByteArray::fromBase64("iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAAAAAA6fptVAAAACklEQVR4nGNoAAA"
+                                   "AggCBd81ytgAAAABJRU5ErkJggg==");
+        {
+            NoteEditor editor;
+            editor.open(created, deck.id, QStringLiteral("de"));
+            editor.edit(0, QStringLiteral("eine Katze"));
+            editor.pictures()->place(0, bytes, QStringLiteral("image/png"));
+            QTRY_VERIFY_WITH_TIMEOUT(editor.lines()->at(0).media.has_value(), 10000);
+            QCOMPARE(editor.pictures()->trouble(), QString());
+            QVERIFY(await(editor.flush()));
+        }
+
+        // Opened again, the line has its picture, and the picture's file loads.
+        const Note stored = await(api.note(created.id));
+        QCOMPARE(stored.lines.size(), 1);
+        QVERIFY(stored.lines[0].media);
+        QCOMPARE(stored.lines[0].media->origin, QStringLiteral("upload"));
+        qputenv("XDG_CACHE_HOME", m_dir.filePath("cache").toUtf8());
+        PictureFile file;
+        file.setUrl(stored.lines[0].media->url);
+        QTRY_VERIFY_WITH_TIMEOUT(!file.loading(), 10000);
+        QVERIFY(!file.failed());
+        QFile kept(file.source().toLocalFile());
+        QVERIFY(kept.open(QIODevice::ReadOnly));
+        QCOMPARE(kept.readAll(), bytes);
+
+        if (!QFile::exists(QStringLiteral("/usr/share/dictd/freedict-deu-eng.index")))
+            ORVEL_SKIP_UNLESS_CI("The German FreeDict dictionary is not installed.");
+        NoteEditor editor;
+        editor.open(stored, deck.id, QStringLiteral("de"));
+        editor.key(0, int(Key::Newline));
+        editor.edit(1, QStringLiteral("/conj laufen"));
+        QCOMPARE(editor.commands()->row(), 1);
+        QVERIFY(editor.key(1, int(Key::Newline)));
+        QTRY_VERIFY_WITH_TIMEOUT(editor.lines()->count() > 2, 30000);
+        QCOMPARE(editor.commands()->message(), QString());
+        QStringList forms;
+        for (int row = 1; row < editor.lines()->count(); ++row) {
+            forms.append(editor.lines()->at(row).text);
+            QCOMPARE(editor.lines()->at(row).source, QStringLiteral("/conj laufen"));
+        }
+        QVERIFY2(forms.join(u'\n').contains(QStringLiteral("läuft")),
+                 qPrintable(forms.join(" / ")));
+        QVERIFY(!forms.contains(QStringLiteral("/conj laufen")));
+        QVERIFY(await(editor.flush()));
     }
 };
 

@@ -144,6 +144,9 @@ Rectangle {
         function onPosted(command, text) {
             if (command === AppCommands.QuickAdd) {
                 quickAdd.openWith(text)
+            } else if (command === AppCommands.Study && text === "" && homeView.hasSelectedDeck) {
+                // Study with no decks named: the open one.
+                homeView.deckActions.study(homeView.selectedDeckId)
             } else if (command === AppCommands.NewNote && homeView.hasSelectedDeck) {
                 homeView.notesShown = true
                 homeView.notes.newNote()
@@ -153,15 +156,9 @@ Rectangle {
         }
     }
 
-    // "Find or Do" (Ctrl+K), and the settings it can ask for.
+    // "Find or Do" (Ctrl+K).
     PaletteOverlay {
         palette: homeView.palette
-    }
-    Connections {
-        target: homeView
-        function onSettingsAsked() {
-            home.settingsRequested()
-        }
     }
     Shortcut {
         sequence: "Alt+1"

@@ -78,10 +78,8 @@ OSheet {
         Layout.topMargin: Theme.m
         spacing: Theme.s
 
-        // Shown once the app has its manual to open.
         OButton {
             text: "Open the Orvel Manual"
-            visible: false
             onClicked: {
                 dialog.close()
                 dialog.sheet.openManual()

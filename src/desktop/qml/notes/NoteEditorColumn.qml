@@ -138,7 +138,11 @@ Rectangle {
             wrapMode: Text.Wrap
             font.pixelSize: Theme.secondary
             color: Theme.danger
-            text: page.editor ? page.editor.trouble : ""
+            // The note's own trouble first; then what a slash command or a pasted picture met.
+            text: !page.editor ? ""
+                  : page.editor.trouble !== "" ? page.editor.trouble
+                  : page.editor.commands.message !== "" ? page.editor.commands.message
+                  : page.editor.pictures.picker === null ? page.editor.pictures.trouble : ""
             visible: text !== ""
             Accessible.role: Accessible.StaticText
         }
@@ -241,6 +245,28 @@ Rectangle {
         const row = lines.itemAt(index)
         if (row)
             row.takeCaret(place === undefined ? NoteEditor.End : place) // qmllint disable type
+    }
+
+    NotePicturePicker {
+        pictures: page.editor ? page.editor.pictures : null
+    }
+    // The caret goes back to the line the picker was for.
+    Connections {
+        id: pickerWatch
+        target: page.editor ? page.editor.pictures : null
+        property int lastRow: -1
+        function onPickerChanged() {
+            const row = page.editor.pictures.pickingRow
+            if (row >= 0)
+                lastRow = row
+            else if (lastRow >= 0)
+                refocus.restart()
+        }
+    }
+    Timer {
+        id: refocus
+        interval: 0
+        onTriggered: page.focusLine(pickerWatch.lastRow)
     }
 
     ConfirmDeleteDialog {

@@ -20,6 +20,7 @@ Item {
     required property bool stale
     required property string staleText
     required property var remarks
+    required property var picture
 
     property NoteEditor editor: null
 
@@ -107,8 +108,8 @@ Item {
                 if (!row.editor)
                     return
                 if (event.matches(StandardKey.Paste)) {
-                    if (Clipboard.hasImage())
-                        event.accepted = row.editor.key(row.index, NoteEditor.PasteImage)
+                    if (ImageTransfer.clipboardHasPicture())
+                        event.accepted = ImageTransfer.pasteInto(row.editor.pictures, row.index)
                     else
                         event.accepted = row.editor.pasteText(row.index, Clipboard.text())
                     return
@@ -117,6 +118,15 @@ Item {
                 if (key >= 0 && row.editor.key(row.index, key))
                     event.accepted = true
             }
+        }
+        NoteImage {
+            Layout.fillWidth: true
+            Layout.topMargin: Theme.xs
+            visible: row.picture !== undefined && row.picture.url !== undefined
+            picture: row.picture || ({})
+            columnWidth: lineColumn.width
+            pictures: row.editor ? row.editor.pictures : null
+            onRemoveRequested: row.editor.pictures.remove(row.index)
         }
         OLabel {
             Layout.fillWidth: true
@@ -155,5 +165,24 @@ Item {
 
     HoverHandler {
         id: rowHover
+    }
+
+    // The slash menu, under the line while it reads as a command.
+    NoteSlashMenu {
+        x: lineColumn.x
+        y: lineColumn.y + field.height + 2
+        commands: row.editor ? row.editor.commands : null
+        visible: row.editor !== null && row.editor.commands.row === row.index && field.activeFocus
+    }
+
+    // A picture file dropped on the line goes onto it.
+    DropArea {
+        anchors.fill: parent
+        keys: ["text/uri-list"]
+        onEntered: drag => drag.accepted = ImageTransfer.holdsPicture(drag.urls)
+        onDropped: drop => {
+            if (row.editor && ImageTransfer.dropInto(row.editor.pictures, row.index, drop.urls))
+                drop.accept(Qt.CopyAction)
+        }
     }
 }

@@ -41,7 +41,7 @@ ApplicationWindow {
                 spacing: Theme.xs
 
                 Repeater {
-                    model: ["Look", "Sound", "Account"].map((name, index) => ({ name: name, index: index, // qmllint disable type
+                    model: ["Look", "Sound", "Reminder", "Account"].map((name, index) => ({ name: name, index: index, // qmllint disable type
                                                                        current: index === window.pane }))
                     onItemAdded: (index, item) => item.picked.connect(() => window.pane = index)
 
@@ -97,6 +97,7 @@ ApplicationWindow {
 
             LookPage {}
             SoundPage {}
+            ReminderPage {}
             AccountPage {}
         }
     }

@@ -110,6 +110,19 @@ ColumnLayout {
         sheet: composer.importing
     }
 
+    // "Add from Text…" asked for elsewhere (the manual's buttons): the open deck's sheet, on the
+    // cards page where the written cards arrive.
+    Connections {
+        target: AppCommands
+        function onPosted(command, text) {
+            if (command !== AppCommands.AddFromText || composer.deckId <= 0)
+                return
+            if (bar.home)
+                bar.home.notesShown = false
+            composer.addFromText(text)
+        }
+    }
+
     // Text dropped on a deck in the sidebar opens the import sheet once that deck is open; the
     // palette asks for the import sheet and for cards the same way.
     Connections {
