@@ -4,6 +4,7 @@
 #include "app/timings.h"
 #include "library/learnerinput.h"
 #include "notes/notetexts.h"
+#include "records/credit.h"
 #include "server/apiclient.h"
 
 #include <QVariantMap>
@@ -66,7 +67,9 @@ QVariantList ImagePicker::results() const
         list.append(
             QVariantMap{{QStringLiteral("thumb"), image.thumb.isEmpty() ? image.url : image.thumb},
                         {QStringLiteral("title"), image.title},
-                        {QStringLiteral("credit"), image.credit()},
+                        // The learner's own pictures need no credit line.
+                        {QStringLiteral("credit"),
+                         learnersOwnPicture(image.origin) ? notetexts::yours() : image.credit()},
                         {QStringLiteral("width"), image.width},
                         {QStringLiteral("height"), image.height}});
     return list;

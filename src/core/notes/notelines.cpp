@@ -1,6 +1,7 @@
 #include "notes/notelines.h"
 
 #include "notes/notetexts.h"
+#include "records/credit.h"
 
 #include <QSet>
 #include <QUrl>
@@ -67,10 +68,7 @@ QVariantMap NoteLines::picture(const Draft &draft)
             {QStringLiteral("height"), media.height},
             {QStringLiteral("credit"), media.credit()},
             {QStringLiteral("title"), media.title},
-            // What the learner brought (an upload, or one of their own found again) rather than
-            // a picture a search provider found.
-            {QStringLiteral("yours"),
-             media.origin == QLatin1String("upload") || media.origin == QLatin1String("yours")},
+            {QStringLiteral("yours"), learnersOwnPicture(media.origin)},
             {QStringLiteral("moving"),
              path.endsWith(QLatin1String(".gif")) || path.endsWith(QLatin1String(".webp"))}};
 }

@@ -10,4 +10,9 @@ QString pictureCredit(const QString &author, const QString &licence)
     return credit;
 }
 
+bool learnersOwnPicture(const QString &origin)
+{
+    return origin == QLatin1String("upload") || origin == QLatin1String("yours");
+}
+
 } // namespace orvel
