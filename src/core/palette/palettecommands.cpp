@@ -156,13 +156,15 @@ QList<PaletteItem> PaletteCommands::matching(const PaletteQuery &query) const
     }
     static const std::pair<const char16_t *, const char16_t *> modes[] = {
         {u"dark", u"moon"}, {u"light", u"sun.max"}, {u"system", u"circle.lefthalf.filled"}};
-    for (const auto &[name, glyph] : modes) {
-        const QString mode = QString::fromUtf16(name);
+    for (const auto &pair : modes) {
+        // Named copies: clang 14 cannot capture a structured binding in the lambda below.
+        const QString mode = QString::fromUtf16(pair.first);
+        const QString glyph = QString::fromUtf16(pair.second);
         // Choosing the appearance already in force would change nothing.
         if (mode == context.appearance)
             continue;
         list.offer(palettetexts::appearance(mode), [&] {
-            return command(QStringLiteral("cmd-appearance-") + mode, QString::fromUtf16(glyph),
+            return command(QStringLiteral("cmd-appearance-") + mode, glyph,
                            closing([ctx, mode] { paletteCall(ctx->chooseAppearance, mode); }));
         });
     }
