@@ -50,7 +50,7 @@ QByteArray webp(quint32 w, quint32 h)
 class TestMedia : public QObject {
     Q_OBJECT
 
-    ServerProcess server{{"--local"}};
+    ServerProcess server{{"--local", "--allow-private-fetch"}};
     std::unique_ptr<Api> api;
 
 private slots:
