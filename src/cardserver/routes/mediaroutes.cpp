@@ -99,29 +99,29 @@ void MediaRoutes::install(Router &router, Services &s)
         call.reply(s.media.store(call.userId, bytes, info, stored), 201);
     });
 
-    router.get(R"(/api/media/search)", Access::SignedIn,
-               [&s, gifs = GifSearch::fromEnvironment()](Call &call) {
-                   const QString query = call.query("q").trimmed();
-                   if (call.hasQuery("deck") && !call.query("deck").isEmpty()) {
-                       bool ok = false;
-                       const qint64 deck = call.query("deck").toLongLong(&ok);
-                       if (!ok)
-                           throw ApiError::notFound(QStringLiteral("That deck does not exist."));
-                       s.decks.info(call.userId, deck);
-                   }
-                   const bool moving = call.query("kind") == QLatin1String("gif");
-                   // The learner's own pictures first; moving ones from the providers that have
-                   // keys.
-                   QJsonArray results =
-                       s.media.search(call.userId, TextFold::fold(query), moving, 60);
-                   if (moving)
-                       for (const QJsonValue &v : gifs.search(query, 24))
-                           results.append(v);
-                   call.reply(QJsonObject{
-                       {"query", query},
-                       {"results", results},
-                       {"sources", QJsonObject{{"tenor", gifs.tenor()}, {"giphy", gifs.giphy()}}}});
-               });
+    router.get(
+        R"(/api/media/search)", Access::SignedIn,
+        [&s, gifs = GifSearch::fromEnvironment(AddressPolicy::fromOptions(s.options))](Call &call) {
+            const QString query = call.query("q").trimmed();
+            if (call.hasQuery("deck") && !call.query("deck").isEmpty()) {
+                bool ok = false;
+                const qint64 deck = call.query("deck").toLongLong(&ok);
+                if (!ok)
+                    throw ApiError::notFound(QStringLiteral("That deck does not exist."));
+                s.decks.info(call.userId, deck);
+            }
+            const bool moving = call.query("kind") == QLatin1String("gif");
+            // The learner's own pictures first; moving ones from the providers that have
+            // keys.
+            QJsonArray results = s.media.search(call.userId, TextFold::fold(query), moving, 60);
+            if (moving)
+                for (const QJsonValue &v : gifs.search(query, 24))
+                    results.append(v);
+            call.reply(QJsonObject{
+                {"query", query},
+                {"results", results},
+                {"sources", QJsonObject{{"tenor", gifs.tenor()}, {"giphy", gifs.giphy()}}}});
+        });
 
     router.get(R"(/media/(\d+)/([0-9a-f]+\.[a-z]+))", Access::Public, [&s](Call &call) {
         const auto file =

@@ -204,6 +204,32 @@ private slots:
             QStringLiteral("That address is not allowed."));
     }
 
+    void pictureSearchProvidersAreCheckedToo()
+    {
+        internal.routes().Get("/v1/gifs/search",
+                              [](const httplib::Request &, httplib::Response &res) {
+                                  res.set_content("{\"data\":[{\"images\":{\"original\":{\"url\":"
+                                                  "\"https://media.example/cat.gif\"}}}]}",
+                                                  "application/json");
+                              });
+        qputenv("GIPHY_API_KEY", "giphy-key");
+        qputenv("ORVEL_GIPHY_URL", internal.url("").toUtf8());
+        ServerProcess keyed({"--local"});
+        const bool started = startServer(keyed);
+        qunsetenv("GIPHY_API_KEY");
+        qunsetenv("ORVEL_GIPHY_URL");
+        QVERIFY(started);
+        Api learner(keyed.baseUrl());
+        learner.join("gifs@example.org");
+        const int before = internal.requests();
+        const Api::Reply r = learner.get("/api/media/search?q=cat&kind=gif");
+        QCOMPARE(r.status, 200);
+        QCOMPARE(r["results"].toArray().size(), 0);
+        QCOMPARE(internal.requests(), before);
+        QTRY_VERIFY(keyed.log().contains("(address not allowed)"));
+        QVERIFY(!keyed.log().contains("giphy-key"));
+    }
+
     void cleanupTestCase()
     {
         api.reset();
