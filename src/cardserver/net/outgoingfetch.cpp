@@ -13,9 +13,13 @@ namespace {
 struct Transfer {
     const AddressPolicy &policy;
     qint64 maxBytes;
+    const OutgoingFetch::Request &request;
+    CURL *curl = nullptr;
+    qint64 received = 0;
     QByteArray body;
     bool tooLarge = false;
-    QString refused; // why a connection was refused, when one was
+    bool stopped = false; // the request's onData said stop
+    QString refused;      // why a connection was refused, when one was
 };
 
 void initialiseOnce()
@@ -42,11 +46,21 @@ size_t keep(char *data, size_t size, size_t count, void *user)
 {
     auto *t = static_cast<Transfer *>(user);
     const size_t length = size * count;
-    if (t->body.size() + qint64(length) > t->maxBytes) {
+    t->received += qint64(length);
+    if (t->received > t->maxBytes) {
         t->tooLarge = true;
         return 0; // stops the transfer
     }
-    t->body.append(data, qsizetype(length));
+    if (!t->request.onData) {
+        t->body.append(data, qsizetype(length));
+        return length;
+    }
+    long status = 0;
+    curl_easy_getinfo(t->curl, CURLINFO_RESPONSE_CODE, &status);
+    if (!t->request.onData(int(status), QByteArray::fromRawData(data, qsizetype(length)))) {
+        t->stopped = true;
+        return 0;
+    }
     return length;
 }
 
@@ -60,7 +74,7 @@ OutgoingFetch::OutgoingFetch(AddressPolicy policy, qint64 maxBytes, int timeoutM
     : m_policy(std::move(policy)), m_maxBytes(maxBytes), m_timeoutMs(timeoutMs)
 {}
 
-OutgoingFetch::Result OutgoingFetch::get(const QString &url) const
+OutgoingFetch::Result OutgoingFetch::send(const QString &url, const Request &request) const
 {
     Result result;
     const QUrl parsed(url);
@@ -76,14 +90,14 @@ OutgoingFetch::Result OutgoingFetch::get(const QString &url) const
         result.detail = QStringLiteral("libcurl could not start a transfer");
         return result;
     }
-    Transfer transfer{m_policy, m_maxBytes, {}, false, {}};
-    char error[CURL_ERROR_SIZE] = {};
     CURL *c = curl.get();
+    Transfer transfer{m_policy, m_maxBytes, request, c, 0, {}, false, false, {}};
+    char error[CURL_ERROR_SIZE] = {};
     const QByteArray address = parsed.toEncoded();
     curl_easy_setopt(c, CURLOPT_URL, address.constData());
     curl_easy_setopt(c, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(c, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(c, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(c, CURLOPT_FOLLOWLOCATION, request.followRedirects ? 1L : 0L);
     curl_easy_setopt(c, CURLOPT_MAXREDIRS, long(MaxRedirects));
     curl_easy_setopt(c, CURLOPT_PROXY, "");
     curl_easy_setopt(c, CURLOPT_NOSIGNAL, 1L);
@@ -95,7 +109,21 @@ OutgoingFetch::Result OutgoingFetch::get(const QString &url) const
     curl_easy_setopt(c, CURLOPT_WRITEDATA, &transfer);
     curl_easy_setopt(c, CURLOPT_ERRORBUFFER, error);
     curl_easy_setopt(c, CURLOPT_USERAGENT, "orvel-server");
+    if (m_idleSeconds > 0) {
+        curl_easy_setopt(c, CURLOPT_LOW_SPEED_LIMIT, 1L);
+        curl_easy_setopt(c, CURLOPT_LOW_SPEED_TIME, long(m_idleSeconds));
+    }
+    if (request.method != "GET") {
+        curl_easy_setopt(c, CURLOPT_CUSTOMREQUEST, request.method.constData());
+        curl_easy_setopt(c, CURLOPT_POSTFIELDS, request.body.constData());
+        curl_easy_setopt(c, CURLOPT_POSTFIELDSIZE_LARGE, curl_off_t(request.body.size()));
+    }
+    curl_slist *headers = nullptr;
+    for (const QByteArray &header : request.headers)
+        headers = curl_slist_append(headers, header.constData());
+    curl_easy_setopt(c, CURLOPT_HTTPHEADER, headers);
     const CURLcode code = curl_easy_perform(c);
+    curl_slist_free_all(headers);
 
     long status = 0;
     curl_easy_getinfo(c, CURLINFO_RESPONSE_CODE, &status);
@@ -110,6 +138,8 @@ OutgoingFetch::Result OutgoingFetch::get(const QString &url) const
         result.detail = QStringLiteral("%1: refused, %2").arg(url.left(200), transfer.refused);
     } else if (transfer.tooLarge || code == CURLE_FILESIZE_EXCEEDED) {
         result.outcome = Outcome::TooLarge;
+    } else if (transfer.stopped) {
+        result.outcome = Outcome::Failed;
     } else if (code == CURLE_OPERATION_TIMEDOUT) {
         result.outcome = Outcome::TimedOut;
     } else if (code == CURLE_UNSUPPORTED_PROTOCOL) {

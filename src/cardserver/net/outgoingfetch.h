@@ -1,7 +1,9 @@
 #pragma once
 #include "net/addresspolicy.h"
 
+#include <functional>
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 namespace cardserver {
@@ -29,16 +31,32 @@ public:
         QString detail; // for the log only: what went wrong, with addresses and curl's words
     };
 
+    // A request other than a plain GET, or one whose answer is read as it arrives.
+    struct Request {
+        QByteArray method = "GET";
+        QByteArray body;
+        QList<QByteArray> headers; // "Name: value"
+        bool followRedirects = true;
+        // Given each piece of the body as it arrives, with the answer's status; false stops the
+        // transfer (the outcome is then Failed). Without it the body is collected in the result.
+        std::function<bool(int status, const QByteArray &piece)> onData;
+    };
+
     static constexpr int MaxRedirects = 3;
 
     OutgoingFetch(AddressPolicy policy, qint64 maxBytes, int timeoutMs);
 
-    Result get(const QString &url) const;
+    // Gives up when nothing arrives for `seconds`, however long the whole may take.
+    void setIdleTimeout(int seconds) { m_idleSeconds = seconds; }
+
+    Result get(const QString &url) const { return send(url, Request()); }
+    Result send(const QString &url, const Request &request) const;
 
 private:
     AddressPolicy m_policy;
     qint64 m_maxBytes;
     int m_timeoutMs;
+    int m_idleSeconds = 0;
 };
 
 } // namespace cardserver
