@@ -11,6 +11,7 @@
 #include "library/cardstore.h"
 #include "library/deckstore.h"
 #include "media/mediastore.h"
+#include "net/addresspolicy.h"
 #include "notes/notestore.h"
 #include "routes/authroutes.h"
 #include "routes/cardroutes.h"
@@ -101,6 +102,7 @@ void CardServer::start()
     config.llmModel = m_options.llmModel;
     config.llmKey = QProcessEnvironment::systemEnvironment().value(QStringLiteral("ORVEL_LLM_KEY"));
     config.dictionaryDir = m_options.dictionaryDir;
+    config.addresses = AddressPolicy::fromOptions(m_options);
     try {
         m_writer = makeWriter(config);
     } catch (const WriterError &e) {

@@ -1,5 +1,7 @@
 #include "app/serveroptions.h"
 
+#include "net/addresspolicy.h"
+
 #include <QDir>
 #include <QProcessEnvironment>
 
@@ -38,6 +40,10 @@ QString ServerOptions::usage()
         "  --dictionaries DIR   where the FreeDict dictionaries are (default /usr/share/dictd)\n"
         "  --database URL       store location: a SQLite file path or sqlite://PATH (default\n"
         "                       DIR/orvel.sqlite); postgresql:// needs a build with QPSQL\n"
+        "  --allow-private-fetch  let outgoing requests reach loopback, link-local and private\n"
+        "                       addresses (for a language model on this machine or network);\n"
+        "                       without it picture imports from such addresses are refused\n"
+        "  --fetch-timeout SECONDS  deadline for fetching one picture (default 20)\n"
         "  --test-providers     offer Google and Apple sign-in that completes at once (for\n"
         "                       testing clients only; never on by default)\n"
         "  --help               show this text\n");
@@ -61,8 +67,9 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
             arg = arg.left(eq);
             inlineValue = true;
         }
-        const QStringList withValue = {"--listen",    "--data",     "--writer",      "--llm-url",
-                                       "--llm-model", "--database", "--dictionaries"};
+        const QStringList withValue = {"--listen",       "--data",          "--writer",
+                                       "--llm-url",      "--llm-model",     "--database",
+                                       "--dictionaries", "--fetch-timeout", "--test-public-host"};
         if (withValue.contains(arg) && !inlineValue) {
             if (i + 1 >= arguments.size())
                 return fail(arg + QStringLiteral(" needs a value"));
@@ -76,6 +83,21 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
             o.local = true;
         } else if (arg == QLatin1String("--test-providers")) {
             o.testProviders = true;
+        } else if (arg == QLatin1String("--allow-private-fetch")) {
+            o.allowPrivateFetch = true;
+        } else if (arg == QLatin1String("--fetch-timeout")) {
+            bool ok = false;
+            const int seconds = value.toInt(&ok);
+            if (!ok || seconds < 1 || seconds > 600)
+                return fail(QStringLiteral("--fetch-timeout wants 1 to 600 seconds, got \"%1\"")
+                                .arg(value));
+            o.fetchTimeoutSeconds = seconds;
+        } else if (arg == QLatin1String("--test-public-host")) {
+            if (!AddressPolicy().addPublicHost(value))
+                return fail(
+                    QStringLiteral("--test-public-host wants a numeric HOST:PORT, got \"%1\"")
+                        .arg(value));
+            o.testPublicHosts.append(value);
         } else if (arg == QLatin1String("--listen")) {
             const int colon = value.lastIndexOf(':');
             bool ok = false;

@@ -16,6 +16,12 @@ struct ServerOptions {
     QString database; // empty: SQLite under dataDir
     bool testProviders = false;
     QString dictionaryDir = QStringLiteral("/usr/share/dictd");
+    // Outgoing requests (picture import, picture search, the language model) may reach
+    // loopback and private addresses: for a model on the same machine or network.
+    bool allowPrivateFetch = false;
+    int fetchTimeoutSeconds = 20; // the whole of one outgoing picture fetch
+    // Tests only: loopback "host:port" pairs treated as public addresses (--test-public-host).
+    QStringList testPublicHosts;
 
     bool help = false;
     QString error; // one-line reason when the command line is unusable

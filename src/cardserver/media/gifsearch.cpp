@@ -1,7 +1,7 @@
 #include "media/gifsearch.h"
 
-#include <httplib.h>
-#include <optional>
+#include "net/outgoingfetch.h"
+
 #include <QDebug>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -13,27 +13,34 @@ namespace cardserver {
 
 namespace {
 
-constexpr int TimeoutSeconds = 8;
+constexpr int TimeoutMs = 8000;
+constexpr qint64 MaxReplyBytes = 4LL * 1024 * 1024;
+
+} // namespace
 
 // GETs a JSON object from `base` + `path` with `query`; nullopt on any failure.
-std::optional<QJsonObject> getJson(const QString &base, const QString &path, const QUrlQuery &query)
+std::optional<QJsonObject> GifSearch::getJson(const QString &base, const QString &path,
+                                              const QUrlQuery &query) const
 {
-    httplib::Client client(base.toStdString());
-    client.set_connection_timeout(TimeoutSeconds);
-    client.set_read_timeout(TimeoutSeconds);
-    client.set_follow_location(true);
-    const std::string target = (path + "?" + query.toString(QUrl::FullyEncoded)).toStdString();
-    const auto r = client.Get(target);
-    if (!r || r->status != 200) {
+    const OutgoingFetch fetcher(m_policy, MaxReplyBytes, TimeoutMs);
+    const OutgoingFetch::Result r =
+        fetcher.get(base + path + "?" + query.toString(QUrl::FullyEncoded));
+    if (r.outcome != OutgoingFetch::Outcome::Fetched || r.status != 200) {
+        // The detail holds the whole address, keys included: log only the provider's base.
         qWarning().noquote() << "picture search at" << base << "failed:"
-                             << (r ? QString::number(r->status) : QStringLiteral("no answer"));
+                             << (r.status ? QString::number(r.status) : QStringLiteral("no answer"))
+                             << (r.outcome == OutgoingFetch::Outcome::NotAllowed
+                                     ? QStringLiteral("(address not allowed)")
+                                     : QString());
         return std::nullopt;
     }
-    const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(r->body));
+    const QJsonDocument doc = QJsonDocument::fromJson(r.body);
     if (!doc.isObject())
         return std::nullopt;
     return doc.object();
 }
+
+namespace {
 
 QJsonObject found(const QString &url, const QString &thumb, int width, int height,
                   const QString &title, const QString &author, const QString &licence,
@@ -48,17 +55,18 @@ QJsonObject found(const QString &url, const QString &thumb, int width, int heigh
 
 } // namespace
 
-GifSearch::GifSearch(QString tenorKey, QString giphyKey, QString tenorUrl, QString giphyUrl)
-    : m_tenorKey(std::move(tenorKey)), m_giphyKey(std::move(giphyKey)),
+GifSearch::GifSearch(QString tenorKey, QString giphyKey, QString tenorUrl, QString giphyUrl,
+                     AddressPolicy policy)
+    : m_policy(std::move(policy)), m_tenorKey(std::move(tenorKey)), m_giphyKey(std::move(giphyKey)),
       m_tenorUrl(std::move(tenorUrl)), m_giphyUrl(std::move(giphyUrl))
 {}
 
-GifSearch GifSearch::fromEnvironment()
+GifSearch GifSearch::fromEnvironment(AddressPolicy policy)
 {
     const auto env = QProcessEnvironment::systemEnvironment();
     return GifSearch(env.value("TENOR_API_KEY"), env.value("GIPHY_API_KEY"),
                      env.value("ORVEL_TENOR_URL", "https://tenor.googleapis.com"),
-                     env.value("ORVEL_GIPHY_URL", "https://api.giphy.com"));
+                     env.value("ORVEL_GIPHY_URL", "https://api.giphy.com"), std::move(policy));
 }
 
 QJsonArray GifSearch::search(const QString &query, int limit) const

@@ -2,7 +2,9 @@
 
 #include "writer.h"
 
-#include <httplib.h>
+#include "net/outgoingfetch.h"
+
+#include <QDebug>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QUrl>
@@ -10,6 +12,10 @@
 namespace cardserver {
 
 namespace {
+
+// An answer is a card, a lesson or a list of words: far below these.
+constexpr qint64 MaxAnswerBytes = 8LL * 1024 * 1024;
+constexpr int MaxAnswerSeconds = 600;
 
 const QString kUnavailable = QStringLiteral("The language model is unavailable: %1");
 
@@ -33,8 +39,9 @@ QString errorOf(const QJsonObject &body)
 
 } // namespace
 
-ChatStream::ChatStream(QString url, QString model, QString key)
-    : m_url(std::move(url)), m_model(std::move(model)), m_key(std::move(key))
+ChatStream::ChatStream(QString url, QString model, QString key, AddressPolicy policy)
+    : m_url(std::move(url)), m_model(std::move(model)), m_key(std::move(key)),
+      m_policy(std::move(policy))
 {}
 
 QString ChatStream::endpoint(const QString &url)
@@ -57,12 +64,6 @@ QString ChatStream::run(const QString &system, const QString &user,
         throw WriterError(
             kUnavailable.arg(QStringLiteral("“%1” is not an http or https address.").arg(m_url)),
             503);
-    const QString origin = url.scheme() + QStringLiteral("://") + url.authority();
-    httplib::Client client(origin.toStdString());
-    client.set_connection_timeout(10);
-    client.set_read_timeout(timeoutSeconds);
-    client.set_write_timeout(30);
-
     const QJsonObject body{
         {QStringLiteral("model"), m_model},
         {QStringLiteral("stream"), true},
@@ -74,31 +75,24 @@ QString ChatStream::run(const QString &system, const QString &user,
                     QJsonObject{{QStringLiteral("role"), QStringLiteral("user")},
                                 {QStringLiteral("content"), user}}}}};
 
-    httplib::Request request;
+    OutgoingFetch::Request request;
     request.method = "POST";
-    request.path = url.path(QUrl::FullyEncoded).toStdString();
-    if (url.hasQuery())
-        request.path += "?" + url.query(QUrl::FullyEncoded).toStdString();
-    request.headers = {{"Accept", "text/event-stream"}, {"Content-Type", "application/json"}};
+    request.followRedirects = false;
+    request.headers = {"Accept: text/event-stream", "Content-Type: application/json", "Expect:"};
     if (!m_key.isEmpty())
-        request.headers.emplace("Authorization", "Bearer " + m_key.toStdString());
-    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact).toStdString();
+        request.headers.append("Authorization: Bearer " + m_key.toUtf8());
+    request.body = QJsonDocument(body).toJson(QJsonDocument::Compact);
 
-    int status = 0;
     QByteArray raw;     // everything received, for error bodies and non-streamed answers
     QByteArray pending; // bytes of an event line not yet complete
     QString text;
     QString streamError;
     bool sawEvents = false;
-    request.response_handler = [&](const httplib::Response &response) {
-        status = response.status;
-        return true;
-    };
-    request.content_receiver = [&](const char *data, size_t length, uint64_t, uint64_t) {
-        raw.append(data, qsizetype(length));
+    request.onData = [&](int status, const QByteArray &data) {
+        raw.append(data);
         if (status < 200 || status > 299)
             return raw.size() < 64 * 1024;
-        pending.append(data, qsizetype(length));
+        pending.append(data);
         qsizetype newline;
         while ((newline = pending.indexOf('\n')) >= 0) {
             QByteArray line = pending.left(newline).trimmed();
@@ -124,20 +118,13 @@ QString ChatStream::run(const QString &system, const QString &user,
         return true;
     };
 
-    const httplib::Result result = client.send(request);
+    OutgoingFetch fetcher(m_policy, MaxAnswerBytes, MaxAnswerSeconds * 1000);
+    fetcher.setIdleTimeout(timeoutSeconds);
+    const OutgoingFetch::Result result = fetcher.send(url.toString(), request);
     if (!streamError.isEmpty())
         throw WriterError(kUnavailable.arg(streamError), 503);
-    if (!result) {
-        const httplib::Error error = result.error();
-        const QString why = error == httplib::Error::Read && status != 0
-                                ? QStringLiteral("it stopped answering.")
-                            : error == httplib::Error::Connection
-                                ? QStringLiteral("cannot connect to %1.").arg(origin)
-                                : QStringLiteral("%1.").arg(
-                                      QString::fromStdString(httplib::to_string(error)).toLower());
-        throw WriterError(kUnavailable.arg(why), 503);
-    }
-    if (status < 200 || status > 299) {
+    const int status = result.status;
+    if (status != 0 && (status < 200 || status > 299)) {
         QString why = errorOf(QJsonDocument::fromJson(raw).object());
         if (why.isEmpty())
             why = QString::fromUtf8(raw).simplified().left(200);
@@ -147,6 +134,20 @@ QString ChatStream::run(const QString &system, const QString &user,
                                                                   : QStringLiteral(" (") + why +
                                                                         QStringLiteral(")."))),
                           503);
+    }
+    if (result.outcome != OutgoingFetch::Outcome::Fetched) {
+        // The model's address and curl's words are for the operator, in the log.
+        qWarning().noquote() << "language model request failed:" << result.detail;
+        const QString why =
+            result.outcome == OutgoingFetch::Outcome::NotAllowed
+                ? QStringLiteral("its address is not allowed (a model on this machine or network "
+                                 "needs --allow-private-fetch).")
+            : result.outcome == OutgoingFetch::Outcome::TooLarge
+                ? QStringLiteral("its answer was too long.")
+            : status != 0 || result.outcome == OutgoingFetch::Outcome::TimedOut
+                ? QStringLiteral("it stopped answering.")
+                : QStringLiteral("cannot connect to it.");
+        throw WriterError(kUnavailable.arg(why), 503);
     }
     if (!sawEvents) {
         // A server that ignores "stream" answers with one JSON body.

@@ -1,4 +1,6 @@
 #pragma once
+#include "net/addresspolicy.h"
+
 #include <functional>
 #include <QJsonObject>
 #include <QString>
@@ -8,10 +10,11 @@ namespace cardserver {
 // One streamed request to an OpenAI-compatible chat-completions endpoint. url may be a base
 // ("http://host:8080/v1") or the full ".../chat/completions" address; http and https are both
 // understood. Each piece of the answer's text is passed to onText as its server-sent event
-// arrives. Failures throw WriterError(503) worded for the learner.
+// arrives. Failures throw WriterError(503) worded for the learner. The request goes through
+// OutgoingFetch under `policy`: a model on loopback or a private network needs it to allow them.
 class ChatStream {
 public:
-    ChatStream(QString url, QString model, QString key);
+    ChatStream(QString url, QString model, QString key, AddressPolicy policy);
 
     // Sends {model, stream: true, response_format: json_object, messages: [system, user]} and
     // returns the whole text of the answer.
@@ -27,6 +30,7 @@ private:
     QString m_url;
     QString m_model;
     QString m_key;
+    AddressPolicy m_policy;
 };
 
 } // namespace cardserver

@@ -66,8 +66,9 @@ QJsonArray conjugations(const QJsonValue &list)
 
 } // namespace
 
-LlmWriter::LlmWriter(const QString &url, const QString &model, const QString &key)
-    : m_chat(url, model, key)
+LlmWriter::LlmWriter(const QString &url, const QString &model, const QString &key,
+                     const AddressPolicy &addresses)
+    : m_chat(url, model, key, addresses)
 {}
 
 QJsonObject

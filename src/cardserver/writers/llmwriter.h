@@ -10,7 +10,8 @@ namespace cardserver {
 // answer that is not a JSON object fails with WriterError(503).
 class LlmWriter : public Writer {
 public:
-    LlmWriter(const QString &url, const QString &model, const QString &key);
+    LlmWriter(const QString &url, const QString &model, const QString &key,
+              const AddressPolicy &addresses);
 
     QString name() const override { return QStringLiteral("llm"); }
     WrittenCard writeCard(const Languages &langs, const QString &input,

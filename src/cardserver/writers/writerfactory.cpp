@@ -20,7 +20,7 @@ std::unique_ptr<Writer> makeWriter(const WriterConfig &config)
         if (url.scheme() != QLatin1String("http") && url.scheme() != QLatin1String("https"))
             throw WriterError(QStringLiteral("--llm-url must be an http or https address."));
         return std::make_unique<LlmWriter>(config.llmUrl.trimmed(), config.llmModel.trimmed(),
-                                           config.llmKey);
+                                           config.llmKey, config.addresses);
     }
     throw WriterError(
         QStringLiteral("Unknown writer “%1”; use --writer dictionary or --writer llm.")

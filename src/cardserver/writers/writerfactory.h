@@ -1,4 +1,5 @@
 #pragma once
+#include "net/addresspolicy.h"
 #include "writer.h"
 
 #include <memory>
@@ -12,6 +13,7 @@ struct WriterConfig {
     QString llmModel;
     QString llmKey;
     QString dictionaryDir = "/usr/share/dictd";
+    AddressPolicy addresses; // what the llm writer may connect to
 };
 
 // The writer a configuration names: "dictionary" (offline, the default) or "llm" (an

@@ -61,7 +61,7 @@ private slots:
     {
         ScriptedServer model;
         answerWithTheLesson(model);
-        ServerProcess server({"--local", "--writer", "llm", "--llm-url",
+        ServerProcess server({"--local", "--allow-private-fetch", "--writer", "llm", "--llm-url",
                               model.baseUrl().toString() + "/v1", "--llm-model", "scripted"});
         QVERIFY(startServer(server));
         Api api(server.baseUrl());

@@ -50,7 +50,7 @@ QByteArray webp(quint32 w, quint32 h)
 class TestMedia : public QObject {
     Q_OBJECT
 
-    ServerProcess server{{"--local"}};
+    ServerProcess server{{"--local", "--allow-private-fetch"}};
     std::unique_ptr<Api> api;
 
 private slots:
@@ -188,7 +188,7 @@ private slots:
         qputenv("TENOR_API_KEY", "tenor-key");
         qputenv("ORVEL_GIPHY_URL", base);
         qputenv("ORVEL_TENOR_URL", base);
-        ServerProcess keyed({"--local"});
+        ServerProcess keyed({"--local", "--allow-private-fetch"});
         const bool started = startServer(keyed);
         for (const char *name :
              {"GIPHY_API_KEY", "TENOR_API_KEY", "ORVEL_GIPHY_URL", "ORVEL_TENOR_URL"})

@@ -35,6 +35,14 @@ QString base(const ScriptedServer &model)
 
 const Languages kGerman{"de", "en"};
 
+// The scripted model runs on loopback, which the writer may reach only when allowed.
+AddressPolicy loopbackAllowed()
+{
+    AddressPolicy policy;
+    policy.allowPrivate(true);
+    return policy;
+}
+
 const char *kCard = "{\"term\": \"Hund\", \"reading\": \"hʊnt\", \"part_of_speech\": \"noun\""
                     ", \"gender\": \"der\", \"translation\": \"dog\", \"definition\": \"A do"
                     "mestic animal that barks.\", \"usage_notes\": \"\", \"examples\": ["
@@ -98,7 +106,7 @@ private slots:
         // only if each field was reported as soon as it was there.
         model.stream("POST", "/v1/chat/completions",
                      streamed(answer, answer.indexOf("\"examples\"")));
-        LlmWriter writer(base(model), "test-model", "secret");
+        LlmWriter writer(base(model), "test-model", "secret", loopbackAllowed());
         QStringList order;
         QHash<QString, int> counts;
         const WrittenCard card = writer.writeCard(kGerman, "Hund",
@@ -140,7 +148,7 @@ private slots:
     void failsPlainlyOnBadAnswers()
     {
         ScriptedServer model;
-        LlmWriter writer(base(model) + "/chat/completions", "m", "");
+        LlmWriter writer(base(model) + "/chat/completions", "m", "", loopbackAllowed());
         const auto expect503 = [&](const char *contains) {
             try {
                 writer.writeCard(kGerman, "Hund", {});
@@ -170,9 +178,25 @@ private slots:
         writer.setTimeout(1);
         expect503("unavailable");
 
-        LlmWriter nowhere("http://127.0.0.1:1/v1", "m", "");
+        LlmWriter nowhere("http://127.0.0.1:1/v1", "m", "", loopbackAllowed());
         QVERIFY_THROWS_EXCEPTION(WriterError, nowhere.writeCard(kGerman, "Hund", {}));
         QVERIFY_THROWS_EXCEPTION(WriterError, writer.writeCard(kGerman, "  ", {}));
+    }
+
+    void refusesAModelOnLoopbackUnlessAllowed()
+    {
+        ScriptedServer model;
+        model.stream("POST", "/v1/chat/completions", streamed(kCard));
+        LlmWriter writer(base(model), "m", "", AddressPolicy());
+        try {
+            writer.writeCard(kGerman, "Hund", {});
+            QFAIL("a refused model wrote a card");
+        } catch (const WriterError &e) {
+            QCOMPARE(e.status(), 503);
+            QVERIFY2(e.message().contains("--allow-private-fetch"), qPrintable(e.message()));
+            QVERIFY(!e.message().contains("127.0.0.1"));
+        }
+        QCOMPARE(model.requestCount(), 0);
     }
 
     void extractsWordsOneByOne()
@@ -185,7 +209,7 @@ private slots:
         // The rest waits until the first word has been reported.
         model.stream("POST", "/v1/chat/completions",
                      streamed(answer, answer.indexOf("{\"term\": \"bellen\"")));
-        LlmWriter writer(base(model), "m", "");
+        LlmWriter writer(base(model), "m", "", loopbackAllowed());
         QList<QJsonObject> words;
         const QJsonArray all =
             writer.extract(kGerman, "Die Hunde bellen.", [&](const QJsonObject &c) {
@@ -201,7 +225,7 @@ private slots:
     void writesLessonsMarginsAndCommands()
     {
         ScriptedServer model;
-        LlmWriter writer(base(model), "m", "");
+        LlmWriter writer(base(model), "m", "", loopbackAllowed());
         const auto answer = [&](const char *text) {
             model.stream("POST", "/v1/chat/completions", streamed(QString::fromUtf8(text)));
         };
