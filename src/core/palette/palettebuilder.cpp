@@ -17,17 +17,6 @@ void appendSection(QList<PaletteSection> &sections, const QString &title, QList<
         sections.append({title, note, std::move(items)});
 }
 
-PaletteItem startItem(const QString &id, const QString &glyph, const QString &title,
-                      std::function<PaletteOutcome()> run)
-{
-    PaletteItem item;
-    item.id = id;
-    item.glyph = glyph;
-    item.title = title;
-    item.run = std::move(run);
-    return item;
-}
-
 } // namespace
 
 PaletteBuilder::PaletteBuilder(PaletteContext context, QList<ManualPage> manual,
@@ -82,48 +71,51 @@ QList<PaletteSection> PaletteBuilder::startingPoint() const
     QList<PaletteSection> sections;
     if (context.deck) {
         const DeckSummary deck = *context.deck;
-        PaletteItem write = startItem(QStringLiteral("write-empty"), QStringLiteral("pencil"),
-                                      palettetexts::writeEmpty(),
-                                      // The palette stays, its field ready for the word.
-                                      [] { return PaletteOutcome::Stay; });
+        PaletteItem write = PaletteItem::action(
+            QStringLiteral("write-empty"), QStringLiteral("pencil"), palettetexts::writeEmpty(),
+            // The palette stays, its field ready for the word.
+            [] { return PaletteOutcome::Stay; });
         write.subtitle = palettetexts::writeEmptySubtitle();
-        PaletteItem study = startItem(QStringLiteral("study-here"), QStringLiteral("play.fill"),
-                                      palettetexts::study(deck.name), [shared, deck] {
-                                          paletteCall(shared->study, deck);
-                                          return PaletteOutcome::Close;
-                                      });
+        PaletteItem study =
+            PaletteItem::action(QStringLiteral("study-here"), QStringLiteral("play.fill"),
+                                palettetexts::study(deck.name), [shared, deck] {
+                                    paletteCall(shared->study, deck);
+                                    return PaletteOutcome::Close;
+                                });
         study.meta = palettetexts::cardCount(deck.cardCount);
-        sections.append({palettetexts::inDeck(deck.name),
-                         {},
-                         {write,
-                          startItem(QStringLiteral("import"), QStringLiteral("doc.on.clipboard"),
-                                    palettetexts::addFromText(),
-                                    [shared, deck] {
-                                        paletteCall(shared->addFromText, deck);
-                                        return PaletteOutcome::Close;
-                                    }),
-                          startItem(QStringLiteral("newnote"), QStringLiteral("doc.badge.plus"),
-                                    palettetexts::newNote(),
-                                    [shared, deck] {
-                                        paletteCall(shared->newNote, deck);
-                                        return PaletteOutcome::Close;
-                                    }),
-                          study}});
+        sections.append(
+            {palettetexts::inDeck(deck.name),
+             {},
+             {write,
+              PaletteItem::action(QStringLiteral("import"), QStringLiteral("doc.on.clipboard"),
+                                  palettetexts::addFromText(),
+                                  [shared, deck] {
+                                      paletteCall(shared->addFromText, deck);
+                                      return PaletteOutcome::Close;
+                                  }),
+              PaletteItem::action(QStringLiteral("newnote"), QStringLiteral("doc.badge.plus"),
+                                  palettetexts::newNote(),
+                                  [shared, deck] {
+                                      paletteCall(shared->newNote, deck);
+                                      return PaletteOutcome::Close;
+                                  }),
+              study}});
     } else {
         sections.append(
             {palettetexts::start(),
              {},
-             {startItem(QStringLiteral("newdeck"), QStringLiteral("plus.rectangle.on.rectangle"),
-                        palettetexts::newDeck(),
-                        [shared] {
-                            paletteCall(shared->newDeck);
-                            return PaletteOutcome::Close;
-                        }),
-              startItem(QStringLiteral("newfolder"), QStringLiteral("folder.badge.plus"),
-                        palettetexts::newFolder(), [shared] {
-                            paletteCall(shared->newFolder, std::nullopt);
-                            return PaletteOutcome::Close;
-                        })}});
+             {PaletteItem::action(QStringLiteral("newdeck"),
+                                  QStringLiteral("plus.rectangle.on.rectangle"),
+                                  palettetexts::newDeck(),
+                                  [shared] {
+                                      paletteCall(shared->newDeck);
+                                      return PaletteOutcome::Close;
+                                  }),
+              PaletteItem::action(QStringLiteral("newfolder"), QStringLiteral("folder.badge.plus"),
+                                  palettetexts::newFolder(), [shared] {
+                                      paletteCall(shared->newFolder, std::nullopt);
+                                      return PaletteOutcome::Close;
+                                  })}});
     }
     QList<PaletteItem> recents;
     for (const PaletteRecent &recent : context.recents) {

@@ -36,6 +36,18 @@ struct PaletteItem {
     // The deck or card the row opens: chosen with a closing outcome, it goes first among the
     // recents.
     std::optional<PaletteRecent> recent;
+
+    // A row that runs an action: the common shape of commands and stage rows.
+    static PaletteItem action(const QString &id, const QString &glyph, const QString &title,
+                              std::function<PaletteOutcome()> run)
+    {
+        PaletteItem item;
+        item.id = id;
+        item.glyph = glyph;
+        item.title = title;
+        item.run = std::move(run);
+        return item;
+    }
 };
 
 } // namespace orvel

@@ -9,17 +9,6 @@ namespace orvel {
 
 namespace {
 
-PaletteItem stageItem(const QString &id, const QString &glyph, const QString &title,
-                      std::function<PaletteOutcome()> run)
-{
-    PaletteItem item;
-    item.id = id;
-    item.glyph = glyph;
-    item.title = title;
-    item.run = std::move(run);
-    return item;
-}
-
 PaletteStage stageOf(const QString &title, std::function<QList<PaletteSection>()> all)
 {
     return {title, [all = std::move(all)](const QString &query) {
@@ -70,28 +59,30 @@ PaletteStage PaletteStages::card(const DeckSummary &deck, const Card &card) cons
     const auto context = m_context;
     return stageOf(palettetexts::whatToDo(), [context, deck, card] {
         PaletteItem open =
-            stageItem(QStringLiteral("c-open"), QStringLiteral("arrow.up.forward.square"),
-                      palettetexts::openCard(), [context, deck, card] {
-                          paletteCall(context->openCard, deck, card);
-                          return PaletteOutcome::Close;
-                      });
+            PaletteItem::action(QStringLiteral("c-open"), QStringLiteral("arrow.up.forward.square"),
+                                palettetexts::openCard(), [context, deck, card] {
+                                    paletteCall(context->openCard, deck, card);
+                                    return PaletteOutcome::Close;
+                                });
         open.recent = cardRecent(card);
-        PaletteItem hear = stageItem(QStringLiteral("c-hear"), QStringLiteral("speaker.wave.2"),
-                                     palettetexts::hearIt(), [context, deck, card] {
-                                         paletteCall(context->hear, card.term, deck.language);
-                                         return PaletteOutcome::Stay;
-                                     });
-        PaletteItem rewrite =
-            stageItem(QStringLiteral("c-rewrite"), QStringLiteral("arrow.triangle.2.circlepath"),
-                      palettetexts::rewriteCard(), [context, card] {
-                          paletteCall(context->rewrite, card);
-                          return PaletteOutcome::Close;
-                      });
-        PaletteItem remove = stageItem(QStringLiteral("c-delete"), QStringLiteral("trash"),
-                                       palettetexts::deleteCard(), [context, card] {
-                                           paletteCall(context->deleteCard, card);
-                                           return PaletteOutcome::Close;
-                                       });
+        PaletteItem hear =
+            PaletteItem::action(QStringLiteral("c-hear"), QStringLiteral("speaker.wave.2"),
+                                palettetexts::hearIt(), [context, deck, card] {
+                                    paletteCall(context->hear, card.term, deck.language);
+                                    return PaletteOutcome::Stay;
+                                });
+        PaletteItem rewrite = PaletteItem::action(QStringLiteral("c-rewrite"),
+                                                  QStringLiteral("arrow.triangle.2.circlepath"),
+                                                  palettetexts::rewriteCard(), [context, card] {
+                                                      paletteCall(context->rewrite, card);
+                                                      return PaletteOutcome::Close;
+                                                  });
+        PaletteItem remove =
+            PaletteItem::action(QStringLiteral("c-delete"), QStringLiteral("trash"),
+                                palettetexts::deleteCard(), [context, card] {
+                                    paletteCall(context->deleteCard, card);
+                                    return PaletteOutcome::Close;
+                                });
         remove.destructive = true;
         remove.confirm = true;
         return QList<PaletteSection>{{cardTitle(card), {}, {open, hear, rewrite, remove}}};
@@ -103,23 +94,24 @@ PaletteStage PaletteStages::deck(const DeckSummary &deck) const
     const auto context = m_context;
     return stageOf(palettetexts::whatToDo(), [context, deck] {
         PaletteItem open =
-            stageItem(QStringLiteral("d-open"), QStringLiteral("arrow.up.forward.square"),
-                      palettetexts::openDeck(deck.name), [context, deck] {
-                          paletteCall(context->openDeck, deck);
-                          return PaletteOutcome::Close;
-                      });
+            PaletteItem::action(QStringLiteral("d-open"), QStringLiteral("arrow.up.forward.square"),
+                                palettetexts::openDeck(deck.name), [context, deck] {
+                                    paletteCall(context->openDeck, deck);
+                                    return PaletteOutcome::Close;
+                                });
         open.recent = PaletteRecent::deck(deck.id);
-        const PaletteItem study = stageItem(QStringLiteral("d-study"), QStringLiteral("play.fill"),
-                                            palettetexts::study(deck.name), [context, deck] {
-                                                paletteCall(context->study, deck);
-                                                return PaletteOutcome::Close;
-                                            });
+        const PaletteItem study =
+            PaletteItem::action(QStringLiteral("d-study"), QStringLiteral("play.fill"),
+                                palettetexts::study(deck.name), [context, deck] {
+                                    paletteCall(context->study, deck);
+                                    return PaletteOutcome::Close;
+                                });
         const PaletteItem import =
-            stageItem(QStringLiteral("d-import"), QStringLiteral("doc.on.clipboard"),
-                      palettetexts::addFromText(), [context, deck] {
-                          paletteCall(context->addFromText, deck);
-                          return PaletteOutcome::Close;
-                      });
+            PaletteItem::action(QStringLiteral("d-import"), QStringLiteral("doc.on.clipboard"),
+                                palettetexts::addFromText(), [context, deck] {
+                                    paletteCall(context->addFromText, deck);
+                                    return PaletteOutcome::Close;
+                                });
         return QList<PaletteSection>{{deck.name, {}, {open, study, import}}};
     });
 }
@@ -131,16 +123,16 @@ PaletteStage PaletteStages::folder(const Folder &folder) const
         QList<PaletteItem> items;
         // A folder with no cards in it has nothing to study: no row that would do nothing.
         if (context->canStudyFolder && context->canStudyFolder(folder))
-            items.append(stageItem(QStringLiteral("f-study"), QStringLiteral("play.fill"),
-                                   palettetexts::studyAll(), [context, folder] {
-                                       paletteCall(context->studyFolder, folder);
-                                       return PaletteOutcome::Close;
-                                   }));
-        items.append(stageItem(QStringLiteral("f-reveal"), QStringLiteral("sidebar.left"),
-                               palettetexts::showInSidebar(), [context, folder] {
-                                   paletteCall(context->revealFolder, folder);
-                                   return PaletteOutcome::Close;
-                               }));
+            items.append(PaletteItem::action(QStringLiteral("f-study"), QStringLiteral("play.fill"),
+                                             palettetexts::studyAll(), [context, folder] {
+                                                 paletteCall(context->studyFolder, folder);
+                                                 return PaletteOutcome::Close;
+                                             }));
+        items.append(PaletteItem::action(QStringLiteral("f-reveal"), QStringLiteral("sidebar.left"),
+                                         palettetexts::showInSidebar(), [context, folder] {
+                                             paletteCall(context->revealFolder, folder);
+                                             return PaletteOutcome::Close;
+                                         }));
         return QList<PaletteSection>{{folder.name, {}, items}};
     });
 }
@@ -154,24 +146,26 @@ PaletteStage PaletteStages::folderPicker(const DeckSummary &deck) const
         for (const Folder &folder : context->folders) {
             if (deck.folderId == folder.id)
                 continue;
-            items.append(stageItem(QStringLiteral("fp-") + QString::number(folder.id),
-                                   QStringLiteral("folder"), folder.name, [context, deck, folder] {
-                                       paletteCall(context->move, deck, folder.id);
-                                       return PaletteOutcome::Close;
-                                   }));
+            items.append(PaletteItem::action(QStringLiteral("fp-") + QString::number(folder.id),
+                                             QStringLiteral("folder"), folder.name,
+                                             [context, deck, folder] {
+                                                 paletteCall(context->move, deck, folder.id);
+                                                 return PaletteOutcome::Close;
+                                             }));
         }
         if (deck.folderId)
-            items.append(stageItem(QStringLiteral("fp-none"),
-                                   QStringLiteral("rectangle.portrait.and.arrow.right"),
-                                   palettetexts::noFolder(), [context, deck] {
-                                       paletteCall(context->move, deck, std::nullopt);
-                                       return PaletteOutcome::Close;
-                                   }));
-        items.append(stageItem(QStringLiteral("fp-new"), QStringLiteral("folder.badge.plus"),
-                               palettetexts::newFolder(), [context, deck] {
-                                   paletteCall(context->newFolder, deck);
-                                   return PaletteOutcome::Close;
-                               }));
+            items.append(PaletteItem::action(QStringLiteral("fp-none"),
+                                             QStringLiteral("rectangle.portrait.and.arrow.right"),
+                                             palettetexts::noFolder(), [context, deck] {
+                                                 paletteCall(context->move, deck, std::nullopt);
+                                                 return PaletteOutcome::Close;
+                                             }));
+        items.append(PaletteItem::action(QStringLiteral("fp-new"),
+                                         QStringLiteral("folder.badge.plus"),
+                                         palettetexts::newFolder(), [context, deck] {
+                                             paletteCall(context->newFolder, deck);
+                                             return PaletteOutcome::Close;
+                                         }));
         return QList<PaletteSection>{{palettetexts::folders(), {}, items}};
     });
 }
@@ -185,11 +179,12 @@ PaletteStage PaletteStages::deckPicker(const QString &term) const
         for (const DeckSummary &deck : context->decks) {
             if (context->deck && context->deck->id == deck.id)
                 continue;
-            PaletteItem item = stageItem(QStringLiteral("pick-") + QString::number(deck.id),
-                                         QStringLiteral("deck"), deck.name, [context, term, deck] {
-                                             paletteCall(context->writeCard, term, deck);
-                                             return PaletteOutcome::Close;
-                                         });
+            PaletteItem item =
+                PaletteItem::action(QStringLiteral("pick-") + QString::number(deck.id),
+                                    QStringLiteral("deck"), deck.name, [context, term, deck] {
+                                        paletteCall(context->writeCard, term, deck);
+                                        return PaletteOutcome::Close;
+                                    });
             item.meta = palettetexts::cardCount(deck.cardCount);
             (context->deck && context->deck->language == deck.language ? same : other).append(item);
         }
@@ -209,11 +204,12 @@ PaletteStage PaletteStages::studyPicker() const
         for (const DeckSummary &deck : context->decks) {
             if (deck.cardCount < 1)
                 continue;
-            PaletteItem item = stageItem(QStringLiteral("study-") + QString::number(deck.id),
-                                         QStringLiteral("play.fill"), deck.name, [context, deck] {
-                                             paletteCall(context->study, deck);
-                                             return PaletteOutcome::Close;
-                                         });
+            PaletteItem item =
+                PaletteItem::action(QStringLiteral("study-") + QString::number(deck.id),
+                                    QStringLiteral("play.fill"), deck.name, [context, deck] {
+                                        paletteCall(context->study, deck);
+                                        return PaletteOutcome::Close;
+                                    });
             item.meta = palettetexts::cardCount(deck.cardCount);
             items.append(item);
         }
