@@ -350,6 +350,7 @@ void NoteEditor::rewriteLine(int index, const QString &text)
 {
     if (!m_loaded || index < 0 || index >= m_lines->count())
         return;
+    settleTyping();
     m_lines->setText(index, text);
     setCaret(index, LinePlace::End);
     changed();
@@ -359,6 +360,7 @@ void NoteEditor::replaceLine(int index, const QStringList &texts, const QString 
 {
     if (!m_loaded || index < 0 || index >= m_lines->count() || texts.isEmpty())
         return;
+    settleTyping();
     m_lines->remove(index);
     for (qsizetype i = 0; i < texts.size(); ++i) {
         Draft line = Draft::withText(texts[i]);
@@ -375,6 +377,7 @@ void NoteEditor::setPicture(const QUuid &key, const std::optional<Media> &media,
     const int row = m_lines->rowOf(key);
     if (!m_loaded || row < 0)
         return;
+    settleTyping();
     Draft line = m_lines->at(row);
     line.media = media;
     if (text)
@@ -461,6 +464,14 @@ void NoteEditor::remember()
     m_settleTimer.start(Timings::shared().undoSnapshot);
     if (was != canUndo())
         emit historyChanged();
+}
+
+void NoteEditor::settleTyping()
+{
+    // What was typed just before a command's change is a step of its own, so undo brings the
+    // command line back whatever the timing of the server's answer.
+    if (m_settleTimer.isActive())
+        recordNow();
 }
 
 void NoteEditor::recordNow()

@@ -241,6 +241,7 @@ private:
     void changed();
     void remember();
     void recordNow();
+    void settleTyping();
     void setCaret(int index, LinePlace place);
     void setCaretQuietly(int index);
     void addLine(int after);
