@@ -63,21 +63,34 @@ QJsonObject sent(const ScriptedServer &server)
 class TestSoundPane : public QObject {
     Q_OBJECT
     QTemporaryDir m_dir;
+    std::unique_ptr<ScriptedServer> m_server;
+    std::unique_ptr<APIClient> m_api;
+    std::unique_ptr<testsupport::TestServices> m_services;
 
 private slots:
-    void theMarginSwitch()
+    void init()
     {
         LocalSettings::useFile(m_dir.filePath("orvel.conf"));
-        ScriptedServer server;
-        APIClient api(server.baseUrl(), m_dir.filePath("cookies"), QString());
-        testsupport::TestServices services(api);
-        server.reply("GET", "/api/settings", 200, settings(false));
-        server.reply("PATCH", "/api/settings", 200, settings(true));
+        m_server = std::make_unique<ScriptedServer>();
+        m_api =
+            std::make_unique<APIClient>(m_server->baseUrl(), m_dir.filePath("cookies"), QString());
+        m_services = std::make_unique<testsupport::TestServices>(*m_api);
+    }
+    void cleanup()
+    {
+        m_services.reset();
+        m_api.reset();
+        m_server.reset();
+    }
+    void theMarginSwitch()
+    {
+        m_server->reply("GET", "/api/settings", 200, settings(false));
+        m_server->reply("PATCH", "/api/settings", 200, settings(true));
 
         SoundPane pane;
         QVERIFY(!pane.loaded());
         pane.setMarginAsYouGo(true); // nothing to change before the settings are known
-        QCOMPARE(server.requestCount(), 0);
+        QCOMPARE(m_server->requestCount(), 0);
         await(pane.load());
         QVERIFY(pane.loaded());
         QVERIFY(!pane.marginAsYouGo());
@@ -86,13 +99,13 @@ private slots:
         QVERIFY(pane.marginAsYouGo()); // shown at once
         QTRY_VERIFY(!pane.saving());
         QVERIFY(pane.marginAsYouGo());
-        const auto sent = QJsonDocument::fromJson(server.lastRequest().body).object();
+        const auto sent = QJsonDocument::fromJson(m_server->lastRequest().body).object();
         QCOMPARE(sent.size(), 1); // only the switch that changed
         QCOMPARE(sent.constBegin().value(), QJsonValue(true));
         // The editor reads the app's copy of the preferences.
-        QCOMPARE(services.state().preferences()->marginAsYouGo, std::optional(true));
+        QCOMPARE(m_services->state().preferences()->marginAsYouGo, std::optional(true));
 
-        server.reply("PATCH", "/api/settings", 503, R"({"error":"Try again in a minute."})");
+        m_server->reply("PATCH", "/api/settings", 503, R"({"error":"Try again in a minute."})");
         QSignalSpy changed(&pane, &SoundPane::preferencesChanged);
         pane.setMarginAsYouGo(false);
         QVERIFY(!pane.marginAsYouGo()); // shown at once, while the change is on its way
@@ -104,35 +117,31 @@ private slots:
 
     void hearingOnFlipAndSpeedAreSentAloneAndShownAtOnce()
     {
-        LocalSettings::useFile(m_dir.filePath("orvel.conf"));
-        ScriptedServer server;
-        APIClient api(server.baseUrl(), m_dir.filePath("cookies"), QString());
-        testsupport::TestServices services(api);
-        server.reply("GET", "/api/settings", 200, settings(false));
-        server.reply("GET", "/api/settings/voices", 200, R"({"audio":true,"languages":[]})");
+        m_server->reply("GET", "/api/settings", 200, settings(false));
+        m_server->reply("GET", "/api/settings/voices", 200, R"({"audio":true,"languages":[]})");
         SoundPane pane;
         await(pane.load());
         QVERIFY(!pane.hearOnFlip());
         QVERIFY(!pane.slow());
 
         // What shows while the change is on its way is the change itself.
-        server.reply("PATCH", "/api/settings", 200, settings(false, "{}", 1.0, true));
+        m_server->reply("PATCH", "/api/settings", 200, settings(false, "{}", 1.0, true));
         pane.setHearOnFlip(true);
         QVERIFY(pane.hearOnFlip());
         QTRY_VERIFY(!pane.saving());
-        QCOMPARE(sent(server), (QJsonObject{{"hearOnFlip", true}}));
-        server.reply("PATCH", "/api/settings", 200, settings(false, "{}", 0.75, true));
+        QCOMPARE(sent(*m_server), (QJsonObject{{"hearOnFlip", true}}));
+        m_server->reply("PATCH", "/api/settings", 200, settings(false, "{}", 0.75, true));
         pane.setSlow(true);
         QVERIFY(pane.slow());
         QTRY_VERIFY(!pane.saving());
-        QCOMPARE(sent(server), (QJsonObject{{"rate", 0.75}}));
+        QCOMPARE(sent(*m_server), (QJsonObject{{"rate", 0.75}}));
         QVERIFY(pane.slow());
-        QCOMPARE(services.state().preferences()->rate, 0.75);
-        QCOMPARE(services.state().preferences()->hearOnFlip, true);
+        QCOMPARE(m_services->state().preferences()->rate, 0.75);
+        QCOMPARE(m_services->state().preferences()->hearOnFlip, true);
 
         // Two changes on their way at once: both show until both are answered, and a refusal
         // of either leaves what the server last said.
-        server.reply("PATCH", "/api/settings", 500, R"({"error":"Disk full."})");
+        m_server->reply("PATCH", "/api/settings", 500, R"({"error":"Disk full."})");
         pane.setSlow(false);
         pane.setHearOnFlip(false);
         QVERIFY(!pane.slow());
@@ -145,16 +154,12 @@ private slots:
 
     void theVoicesOfEachLanguage()
     {
-        LocalSettings::useFile(m_dir.filePath("orvel.conf"));
-        ScriptedServer server;
-        APIClient api(server.baseUrl(), m_dir.filePath("cookies"), QString());
-        testsupport::TestServices services(api);
-        server.reply("GET", "/api/settings", 200, settings(false, R"({"de":"v9","fr":"gone"})"));
-        server.reply("GET", "/api/settings/voices", 200,
-                     R"({"audio":true,"languages":[)" + language("de", "German", 10, "v1") + "," +
-                         language("fr", "French", 8, "v2") + "," +
-                         language("it", "Italian", 3, "v3") + "," +
-                         language("ja", "Japanese", 0, "", "No voice for Japanese.") + "]}");
+        m_server->reply("GET", "/api/settings", 200, settings(false, R"({"de":"v9","fr":"gone"})"));
+        m_server->reply("GET", "/api/settings/voices", 200,
+                        R"({"audio":true,"languages":[)" + language("de", "German", 10, "v1") +
+                            "," + language("fr", "French", 8, "v2") + "," +
+                            language("it", "Italian", 3, "v3") + "," +
+                            language("ja", "Japanese", 0, "", "No voice for Japanese.") + "]}");
         SoundPane pane;
         QSignalSpy offered(&pane, &SoundPane::offerChanged);
         await(pane.load());
@@ -185,27 +190,23 @@ private slots:
         QVERIFY(japanese["voices"].toList().isEmpty());
 
         // Choosing sends that language's voice alone and shows it first at once.
-        server.reply("PATCH", "/api/settings", 200, settings(false, R"({"de":"v9","it":"v2"})"));
+        m_server->reply("PATCH", "/api/settings", 200, settings(false, R"({"de":"v9","it":"v2"})"));
         pane.chooseVoice(QStringLiteral("it"), QStringLiteral("v2"));
         QCOMPARE(ids(pane.shortlist(langs[2])), (QStringList{"v2", "v1", "v3"}));
         QTRY_VERIFY(!pane.saving());
-        QCOMPARE(sent(server), (QJsonObject{{"voices", QJsonObject{{"it", "v2"}}}}));
-        QCOMPARE(services.state().preferences()->voices.value("it"), QStringLiteral("v2"));
+        QCOMPARE(sent(*m_server), (QJsonObject{{"voices", QJsonObject{{"it", "v2"}}}}));
+        QCOMPARE(m_services->state().preferences()->voices.value("it"), QStringLiteral("v2"));
         // The voice already in force, or a language not offered, sends nothing.
-        const int requests = server.requestCount();
+        const int requests = m_server->requestCount();
         pane.chooseVoice(QStringLiteral("it"), QStringLiteral("v2"));
         pane.chooseVoice(QStringLiteral("xx"), QStringLiteral("v1"));
-        QCOMPARE(server.requestCount(), requests);
+        QCOMPARE(m_server->requestCount(), requests);
     }
 
     void aServerThatCannotSpeakAndTheSampleBeingPlayed()
     {
-        LocalSettings::useFile(m_dir.filePath("orvel.conf"));
-        ScriptedServer server;
-        APIClient api(server.baseUrl(), m_dir.filePath("cookies"), QString());
-        testsupport::TestServices services(api);
-        server.reply("GET", "/api/settings", 200, settings(false));
-        server.reply("GET", "/api/settings/voices", 200, R"({"audio":false,"languages":[]})");
+        m_server->reply("GET", "/api/settings", 200, settings(false));
+        m_server->reply("GET", "/api/settings/voices", 200, R"({"audio":false,"languages":[]})");
         SoundPane pane;
         await(pane.load());
         QVERIFY(pane.offerLoaded());
@@ -222,7 +223,7 @@ private slots:
         QCOMPARE(pane.previewing(), QString());
         QCOMPARE(previewing.size(), 2);
         // Another text sounding is no sample.
-        services.speech().say(QStringLiteral("Hund"), QStringLiteral("de"));
+        m_services->speech().say(QStringLiteral("Hund"), QStringLiteral("de"));
         QCOMPARE(pane.previewing(), QString());
     }
 
