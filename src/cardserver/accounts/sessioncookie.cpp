@@ -1,16 +1,15 @@
 #include "accounts/sessioncookie.h"
 
 #include "accounts/accountstore.h"
+#include "http/call.h"
 
 #include <QStringList>
 
 namespace cardserver {
 
-QString SessionCookie::read(const httplib::Request &req)
+QString SessionCookie::read(const Call &call)
 {
-    const size_t count = req.get_header_value_count("Cookie");
-    for (size_t i = 0; i < count; ++i) {
-        const QString header = QString::fromStdString(req.get_header_value("Cookie", i));
+    for (const QString &header : call.headers("Cookie")) {
         for (const QString &part : header.split(';')) {
             const QString pair = part.trimmed();
             const int eq = pair.indexOf('=');
@@ -21,26 +20,25 @@ QString SessionCookie::read(const httplib::Request &req)
     return QString();
 }
 
-bool SessionCookie::overHttps(const httplib::Request &req)
+bool SessionCookie::overHttps(const Call &call)
 {
-    return QString::fromStdString(req.get_header_value("X-Forwarded-Proto")).toLower() ==
-           QLatin1String("https");
+    return call.header("X-Forwarded-Proto").toLower() == QLatin1String("https");
 }
 
-std::string SessionCookie::set(const QString &token, const httplib::Request &req)
+std::string SessionCookie::set(const QString &token, const Call &call)
 {
     std::string c =
         std::string(Name) + "=" + token.toStdString() +
         "; Path=/; HttpOnly; SameSite=Lax; Max-Age=" + std::to_string(AccountStore::SessionSeconds);
-    if (overHttps(req))
+    if (overHttps(call))
         c += "; Secure";
     return c;
 }
 
-std::string SessionCookie::cleared(const httplib::Request &req)
+std::string SessionCookie::cleared(const Call &call)
 {
     std::string c = std::string(Name) + "=; Path=/; HttpOnly; SameSite=Lax; Max-Age=0";
-    if (overHttps(req))
+    if (overHttps(call))
         c += "; Secure";
     return c;
 }

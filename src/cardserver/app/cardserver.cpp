@@ -177,13 +177,13 @@ void CardServer::start()
 void CardServer::installRoutes()
 {
     Router router(*m_http, [this](Call &call) -> qint64 {
-        const QString token = SessionCookie::read(call.req);
+        const QString token = SessionCookie::read(call);
         if (token.isEmpty())
             return 0;
         bool refreshed = false;
         const qint64 userId = m_accounts->sessionUser(token, &refreshed);
         if (refreshed)
-            call.res.set_header("Set-Cookie", SessionCookie::set(token, call.req));
+            call.setHeader("Set-Cookie", SessionCookie::set(token, call));
         return userId;
     });
     AuthRoutes::install(router, *m_services);

@@ -1,5 +1,7 @@
 #include "http/eventstream.h"
 
+#include "http/call.h"
+
 #include <QDebug>
 #include <QJsonDocument>
 
@@ -18,8 +20,9 @@ bool EventStream::send(const QJsonObject &event)
     return m_open;
 }
 
-void EventStream::start(httplib::Response &res, std::function<void(EventStream &)> job)
+void EventStream::start(Call &call, std::function<void(EventStream &)> job)
 {
+    httplib::Response &res = call.res;
     res.status = 200;
     res.set_header("Cache-Control", "no-store");
     res.set_header("X-Accel-Buffering", "no");

@@ -5,6 +5,8 @@
 
 namespace cardserver {
 
+class Call;
+
 // Writes server-sent events to a chunked reply: each event is one line
 // "data: {json}" followed by a blank line, written to the socket as it is produced.
 // Safe to call from a writer's callbacks on any thread. Once the client has gone away every
@@ -18,7 +20,7 @@ public:
     bool send(const QJsonObject &event);
 
     // The reply headers and provider for a stream whose whole job is `job`.
-    static void start(httplib::Response &res, std::function<void(EventStream &)> job);
+    static void start(Call &call, std::function<void(EventStream &)> job);
 
 private:
     httplib::DataSink &m_sink;

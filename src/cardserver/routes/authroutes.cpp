@@ -55,7 +55,7 @@ void sendConfirmation(Services &s, const Account &a)
 void signIn(Call &call, Services &s, const Account &a)
 {
     const QString token = s.accounts.startSession(a.id);
-    call.res.set_header("Set-Cookie", SessionCookie::set(token, call.req));
+    call.setHeader("Set-Cookie", SessionCookie::set(token, call));
     call.reply(a.json());
 }
 
@@ -117,10 +117,10 @@ void AuthRoutes::install(Router &router, Services &s)
     });
 
     router.post(R"(/api/auth/logout)", Access::Public, [&s](Call &call) {
-        const QString token = SessionCookie::read(call.req);
+        const QString token = SessionCookie::read(call);
         if (!token.isEmpty())
             s.accounts.endSession(token);
-        call.res.set_header("Set-Cookie", SessionCookie::cleared(call.req));
+        call.setHeader("Set-Cookie", SessionCookie::cleared(call));
         call.reply(QJsonObject{{"ok", true}});
     });
 
@@ -132,7 +132,7 @@ void AuthRoutes::install(Router &router, Services &s)
     });
 
     router.get(R"(/api/auth/oauth/([A-Za-z0-9_-]+))", Access::Public, [&s](Call &call) {
-        const QString provider = QString::fromStdString(call.req.matches[1].str()).toLower();
+        const QString provider = call.capture(1).toLower();
         if (!s.options.testProviders || (provider != "google" && provider != "apple"))
             throw ApiError::notFound(
                 QStringLiteral("This server does not offer sign-in with %1.").arg(provider));
@@ -145,7 +145,7 @@ void AuthRoutes::install(Router &router, Services &s)
             query.addQueryItem("code", s.accounts.issueSignInCode(a.id));
         }
         back.setQuery(query);
-        call.res.set_redirect(back.toString(QUrl::FullyEncoded).toStdString(), 302);
+        call.redirect(back.toString(QUrl::FullyEncoded));
     });
 
     router.post(R"(/api/auth/exchange)", Access::Public, [&s](Call &call) {
@@ -166,7 +166,7 @@ void AuthRoutes::install(Router &router, Services &s)
             throw ApiError(403, QStringLiteral("Your current password is not right."));
         checkPassword(next);
         s.accounts.setPassword(call.userId, next);
-        s.accounts.endSessionsExcept(call.userId, SessionCookie::read(call.req));
+        s.accounts.endSessionsExcept(call.userId, SessionCookie::read(call));
         call.reply(QJsonObject{{"ok", true}});
     });
 

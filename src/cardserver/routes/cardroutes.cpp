@@ -76,7 +76,7 @@ void CardRoutes::install(Router &router, Services &s)
     router.post(R"(/api/decks/(\d+)/cards)", Access::SignedIn, [&s](Call &call) {
         const DeckInfo deck = s.decks.info(call.userId, call.id(1));
         const QString input = checkedInput(call.body().string("input"));
-        EventStream::start(call.res, [&s, deck, input](EventStream &stream) {
+        EventStream::start(call, [&s, deck, input](EventStream &stream) {
             try {
                 const QJsonObject card = writeAndStore(s, deck, input, streamedProgress(stream));
                 stream.send(with(event("card"), "card", card));
@@ -98,7 +98,7 @@ void CardRoutes::install(Router &router, Services &s)
             terms.append(RequestBody::stringIn(o, "term", "word").trimmed());
             RequestBody::stringIn(o, "source", "word", false);
         }
-        EventStream::start(call.res, [&s, deck, terms](EventStream &stream) {
+        EventStream::start(call, [&s, deck, terms](EventStream &stream) {
             stream.send(with(event("start"), "total", int(terms.size())));
             // The batch goes on when the learner stops listening: the cards are theirs anyway.
             for (int i = 0; i < terms.size(); ++i) {
@@ -133,7 +133,7 @@ void CardRoutes::install(Router &router, Services &s)
             throw ApiError::invalid(QStringLiteral("Paste some text first."));
         const QString read = text.left(ExtractLimit);
         const int unread = int(text.size() - read.size());
-        EventStream::start(call.res, [&s, deck, read, unread](EventStream &stream) {
+        EventStream::start(call, [&s, deck, read, unread](EventStream &stream) {
             stream.send(with(event("reading"), "characters", int(read.size())));
             QJsonArray offered;
             QSet<QString> seen;

@@ -66,7 +66,7 @@ void MediaRoutes::install(Router &router, Services &s)
     router.post(R"(/api/media)", Access::SignedIn, [&s](Call &call) {
         if (!ImageProbe::acceptedType(call.header("Content-Type")))
             throw ApiError(415, QStringLiteral("Send a PNG, JPEG, GIF or WebP picture."));
-        const QByteArray bytes = QByteArray::fromStdString(call.req.body);
+        const QByteArray bytes = call.bodyBytes();
         const ImageProbe::Info info = checkedImage(bytes);
         call.reply(s.media.store(call.userId, bytes, info, {"upload", "", "", "", ""}), 201);
     });
@@ -124,14 +124,13 @@ void MediaRoutes::install(Router &router, Services &s)
         });
 
     router.get(R"(/media/(\d+)/([0-9a-f]+\.[a-z]+))", Access::Public, [&s](Call &call) {
-        const auto file =
-            s.media.file(call.id(1), QString::fromStdString(call.req.matches[2].str()));
+        const auto file = s.media.file(call.id(1), call.capture(2));
         QFile f(file ? file->path : QString());
         if (!file || !f.open(QIODevice::ReadOnly))
             throw ApiError::notFound(QStringLiteral("That picture does not exist."));
-        call.res.set_header("Cache-Control", "private, max-age=31536000, immutable");
-        call.res.set_header("X-Content-Type-Options", "nosniff");
-        call.res.set_content(f.readAll().toStdString(), file->mime.toStdString());
+        call.setHeader("Cache-Control", "private, max-age=31536000, immutable");
+        call.setHeader("X-Content-Type-Options", "nosniff");
+        call.send(f.readAll(), file->mime.toStdString());
     });
 }
 

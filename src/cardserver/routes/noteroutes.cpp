@@ -103,7 +103,7 @@ void NoteRoutes::install(Router &router, Services &s)
         }
 
         const bool all = body.optionalBoolean("all").value_or(false);
-        EventStream::start(call.res, [&s, langs, noteId, userId, all](EventStream &stream) {
+        EventStream::start(call, [&s, langs, noteId, userId, all](EventStream &stream) {
             const QList<NoteLine> lines = s.notes.lines(noteId);
             QList<int> todo;
             for (int i = 0; i < lines.size(); ++i)

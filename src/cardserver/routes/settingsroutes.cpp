@@ -50,8 +50,8 @@ void requireSpeech(Services &s)
 
 void sendClip(Call &call, const QByteArray &mp3)
 {
-    call.res.set_header("Cache-Control", "private, max-age=86400");
-    call.res.set_content(mp3.toStdString(), "audio/mpeg");
+    call.setHeader("Cache-Control", "private, max-age=86400");
+    call.send(mp3, "audio/mpeg");
 }
 
 } // namespace
