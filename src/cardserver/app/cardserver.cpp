@@ -15,6 +15,7 @@
 #include "notes/notestore.h"
 #include "routes/authroutes.h"
 #include "routes/cardroutes.h"
+#include "routes/healthroutes.h"
 #include "routes/lessonroutes.h"
 #include "routes/libraryroutes.h"
 #include "routes/mediaroutes.h"
@@ -25,7 +26,7 @@
 #include "store/database.h"
 #include "writers/writerfactory.h"
 
-#include <httplib.h>
+#include <QUrl>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
@@ -75,6 +76,10 @@ const char *statusWords(int status)
         return "That is too large: the limit is 10 MB.";
     case 415:
         return "That kind of content is not accepted here.";
+    case 431:
+        return "The request's headers are too large.";
+    case 503:
+        return "The server is busy; try again in a moment.";
     default:
         return nullptr;
     }
@@ -122,46 +127,33 @@ void CardServer::start()
                                   *m_cards, *m_notes, *m_media, *m_preferences, *m_writer,
                                   *m_speech, QString()});
 
-    m_http = std::make_unique<HttpServer>();
-    m_http->new_task_queue = [] { return new httplib::ThreadPool(RequestThreads); };
-    m_http->set_payload_max_length(size_t(MediaRoutes::MaxBytes));
-    m_http->set_keep_alive_max_count(10'000);
-    m_http->set_tcp_nodelay(true);
-    m_http->set_error_handler(
-        httplib::Server::HandlerWithResponse([](const httplib::Request &, httplib::Response &res) {
-            if (!res.body.empty())
-                return httplib::Server::HandlerResponse::Unhandled;
-            const char *words = statusWords(res.status);
-            Call::sendError(res, res.status,
-                            words ? QString::fromUtf8(words)
-                                  : QStringLiteral("The server answered %1.").arg(res.status));
-            return httplib::Server::HandlerResponse::Handled;
-        }));
-    m_http->set_exception_handler(
-        [](const httplib::Request &req, httplib::Response &res, std::exception_ptr ep) {
-            try {
-                std::rethrow_exception(ep);
-            } catch (const std::exception &e) {
-                qWarning().noquote() << req.path.c_str() << "failed:" << e.what();
-            } catch (...) {
-            }
-            Call::sendError(res, 500, QStringLiteral("The server ran into a problem."));
-        });
+    HttpLimits limits;
+    limits.maxBodyBytes = size_t(MediaRoutes::MaxBytes);
+    limits.maxConnections = m_options.maxConnections;
+    limits.idleTimeoutSeconds = m_options.idleTimeoutSeconds;
+    limits.readTimeoutSeconds = m_options.readTimeoutSeconds;
+    limits.workerThreads = m_options.requestThreads;
+    limits.streamThreads = m_options.streamThreads;
+    limits.backlog = AcceptBacklog;
+    m_http = std::make_unique<HttpServer>(limits);
+    m_http->setErrorBody([](HttpResponse &res) {
+        const char *words = statusWords(res.status);
+        Call::sendError(res, res.status,
+                        words ? QString::fromUtf8(words)
+                              : QStringLiteral("The server answered %1.").arg(res.status));
+    });
     installRoutes();
 
-    if (m_options.port == 0) {
-        m_port = m_http->bind_to_any_port(m_options.host.toStdString());
-        if (m_port <= 0)
+    try {
+        m_port = m_http->bind(m_options.host.toStdString(), m_options.port);
+    } catch (const std::exception &) {
+        if (m_options.port == 0)
             throw std::runtime_error(("cannot listen on " + m_options.host).toStdString());
-    } else {
-        if (!m_http->bind_to_port(m_options.host.toStdString(), m_options.port))
-            throw std::runtime_error(QStringLiteral("cannot listen on %1:%2 (in use?)")
-                                         .arg(m_options.host)
-                                         .arg(m_options.port)
-                                         .toStdString());
-        m_port = m_options.port;
+        throw std::runtime_error(QStringLiteral("cannot listen on %1:%2 (in use?)")
+                                     .arg(m_options.host)
+                                     .arg(m_options.port)
+                                     .toStdString());
     }
-    m_http->widenBacklog(AcceptBacklog);
     const QString publicUrl =
         QProcessEnvironment::systemEnvironment().value(QStringLiteral("ORVEL_PUBLIC_URL"));
     m_services->publicUrl =
@@ -172,6 +164,14 @@ void CardServer::start()
                   .arg(m_port);
     while (m_services->publicUrl.endsWith('/'))
         m_services->publicUrl.chop(1);
+    // Browsers send this as Origin from the server's own pages (the reset form).
+    const QUrl own(m_services->publicUrl);
+    m_http->setOwnOrigin(
+        own.isValid() ? own.adjusted(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment |
+                                     QUrl::RemoveUserInfo)
+                            .toString()
+                            .toStdString()
+                      : std::string());
 }
 
 void CardServer::installRoutes()
@@ -193,11 +193,12 @@ void CardServer::installRoutes()
     LessonRoutes::install(router, *m_services);
     MediaRoutes::install(router, *m_services);
     SettingsRoutes::install(router, *m_services);
+    HealthRoutes::install(router, *m_db);
 }
 
 void CardServer::serve()
 {
-    m_http->listen_after_bind();
+    m_http->run();
 }
 
 void CardServer::stop()

@@ -22,9 +22,6 @@ struct Services;
 // The whole server: the store, the accounts, the writer, speech, and the HTTP routes.
 class CardServer {
 public:
-    // Request threads: every open event stream holds one for its whole length, so there are
-    // enough for a few hundred learners writing at once.
-    static constexpr int RequestThreads = 256;
     static constexpr int AcceptBacklog = 1024;
 
     explicit CardServer(ServerOptions options);

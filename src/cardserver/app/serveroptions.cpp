@@ -44,6 +44,15 @@ QString ServerOptions::usage()
         "                       addresses (for a language model on this machine or network);\n"
         "                       without it picture imports from such addresses are refused\n"
         "  --fetch-timeout SECONDS  deadline for fetching one picture (default 20)\n"
+        "  --max-connections N  connections open at once (default 10000; more are answered 503\n"
+        "                       \"busy\" and closed); capped by the open-file limit\n"
+        "  --idle-timeout SECONDS  a kept-alive connection with no request is closed after this\n"
+        "                       (default 30)\n"
+        "  --read-timeout SECONDS  time for a client to send a request's headers (default 10;\n"
+        "                       the body gets six times as long)\n"
+        "  --request-threads N  threads answering requests (default 32)\n"
+        "  --stream-threads N   threads running card-writing streams (default 64; more streams\n"
+        "                       wait for one)\n"
         "  --test-providers     offer Google and Apple sign-in that completes at once (for\n"
         "                       testing clients only; never on by default)\n"
         "  --help               show this text\n");
@@ -69,7 +78,9 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
         }
         const QStringList withValue = {"--listen",       "--data",          "--writer",
                                        "--llm-url",      "--llm-model",     "--database",
-                                       "--dictionaries", "--fetch-timeout", "--test-public-host"};
+                                       "--dictionaries", "--fetch-timeout", "--test-public-host",
+                                       "--max-connections", "--idle-timeout", "--read-timeout",
+                                       "--request-threads", "--stream-threads"};
         if (withValue.contains(arg) && !inlineValue) {
             if (i + 1 >= arguments.size())
                 return fail(arg + QStringLiteral(" needs a value"));
@@ -92,6 +103,34 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
                 return fail(QStringLiteral("--fetch-timeout wants 1 to 600 seconds, got \"%1\"")
                                 .arg(value));
             o.fetchTimeoutSeconds = seconds;
+        } else if (arg == QLatin1String("--max-connections") ||
+                   arg == QLatin1String("--idle-timeout") ||
+                   arg == QLatin1String("--read-timeout") ||
+                   arg == QLatin1String("--request-threads") ||
+                   arg == QLatin1String("--stream-threads")) {
+            struct Bound {
+                const char *name;
+                int low, high;
+                int *into;
+            };
+            const Bound bounds[] = {{"--max-connections", 1, 1000000, &o.maxConnections},
+                                    {"--idle-timeout", 1, 3600, &o.idleTimeoutSeconds},
+                                    {"--read-timeout", 1, 600, &o.readTimeoutSeconds},
+                                    {"--request-threads", 1, 1024, &o.requestThreads},
+                                    {"--stream-threads", 1, 4096, &o.streamThreads}};
+            for (const Bound &b : bounds) {
+                if (arg != QLatin1String(b.name))
+                    continue;
+                bool ok = false;
+                const int n = value.toInt(&ok);
+                if (!ok || n < b.low || n > b.high)
+                    return fail(QStringLiteral("%1 wants %2 to %3, got \"%4\"")
+                                    .arg(arg)
+                                    .arg(b.low)
+                                    .arg(b.high)
+                                    .arg(value));
+                *b.into = n;
+            }
         } else if (arg == QLatin1String("--test-public-host")) {
             if (!AddressPolicy().addPublicHost(value))
                 return fail(

@@ -23,6 +23,13 @@ struct ServerOptions {
     // Tests only: loopback "host:port" pairs treated as public addresses (--test-public-host).
     QStringList testPublicHosts;
 
+    // The HTTP layer's bounds (see HttpLimits).
+    int maxConnections = 10000; // beyond it a connection is answered 503 and closed
+    int idleTimeoutSeconds = 30; // a kept-alive connection with no request is closed
+    int readTimeoutSeconds = 10; // to send a request's headers once begun
+    int requestThreads = 32;     // threads answering requests
+    int streamThreads = 64;      // threads running event streams' writer jobs
+
     bool help = false;
     QString error; // one-line reason when the command line is unusable
 

@@ -19,9 +19,21 @@ qint64 Call::id(int group) const
 
 QString Call::capture(int group) const
 {
-    if (group >= static_cast<int>(req.matches.size()))
+    if (group < 0 || group >= static_cast<int>(req.matches.size()))
         return QString();
-    return QString::fromStdString(req.matches[group].str());
+    return QString::fromStdString(req.matches[size_t(group)]);
+}
+
+RequestBody Call::body() const
+{
+    if (req.body.find_first_not_of(" \t\r\n") != std::string::npos) {
+        const std::string *type = req.header("Content-Type");
+        QString mediaType = type ? QString::fromStdString(*type) : QString();
+        mediaType = mediaType.section(';', 0, 0).trimmed().toLower();
+        if (mediaType != QLatin1String("application/json"))
+            throw ApiError(415, QStringLiteral("Send the request body as application/json."));
+    }
+    return RequestBody::parse(req.body);
 }
 
 QByteArray Call::bodyBytes() const
@@ -32,9 +44,9 @@ QByteArray Call::bodyBytes() const
 QStringList Call::headers(const char *name) const
 {
     QStringList values;
-    const size_t count = req.get_header_value_count(name);
+    const size_t count = req.headerCount(name);
     for (size_t i = 0; i < count; ++i)
-        values.append(QString::fromStdString(req.get_header_value(name, i)));
+        values.append(QString::fromStdString(*req.header(name, i)));
     return values;
 }
 
@@ -50,38 +62,42 @@ QString Call::path() const
 
 QString Call::peerAddress() const
 {
-    return QString::fromStdString(req.remote_addr);
+    return QString::fromStdString(req.remoteAddr);
 }
 
 void Call::setHeader(const char *name, const std::string &value)
 {
-    res.set_header(name, value);
+    res.addHeader(name, value);
 }
 
 void Call::send(const QByteArray &bytes, const std::string &mediaType, int status)
 {
     res.status = status;
-    res.set_content(bytes.toStdString(), mediaType);
+    res.body = bytes.toStdString();
+    res.contentType = mediaType;
 }
 
 void Call::redirect(const QString &location, int status)
 {
-    res.set_redirect(location.toStdString(), status);
+    res.setHeader("Location", location.toStdString());
+    res.status = (status >= 300 && status < 400) ? status : 302;
 }
 
 QString Call::query(const char *name) const
 {
-    return QString::fromStdString(req.get_param_value(name));
+    const std::string *value = req.param(name);
+    return value ? QString::fromStdString(*value) : QString();
 }
 
 bool Call::hasQuery(const char *name) const
 {
-    return req.has_param(name);
+    return req.param(name) != nullptr;
 }
 
 QString Call::header(const char *name) const
 {
-    return QString::fromStdString(req.get_header_value(name));
+    const std::string *value = req.header(name);
+    return value ? QString::fromStdString(*value) : QString();
 }
 
 std::string Call::jsonBytes(const QJsonValue &value)
@@ -94,13 +110,14 @@ std::string Call::jsonBytes(const QJsonValue &value)
     return doc.toJson(QJsonDocument::Compact).toStdString();
 }
 
-void Call::sendJson(httplib::Response &res, const QJsonValue &value, int status)
+void Call::sendJson(HttpResponse &res, const QJsonValue &value, int status)
 {
     res.status = status;
-    res.set_content(jsonBytes(value), "application/json; charset=utf-8");
+    res.body = jsonBytes(value);
+    res.contentType = "application/json; charset=utf-8";
 }
 
-void Call::sendError(httplib::Response &res, int status, const QString &message)
+void Call::sendError(HttpResponse &res, int status, const QString &message)
 {
     sendJson(res, QJsonObject{{"error", message}}, status);
 }
@@ -113,7 +130,8 @@ void Call::reply(const QJsonValue &value, int status)
 void Call::replyText(std::string json, int status)
 {
     res.status = status;
-    res.set_content(std::move(json), "application/json; charset=utf-8");
+    res.body = std::move(json);
+    res.contentType = "application/json; charset=utf-8";
 }
 
 void Call::noContent()
@@ -124,7 +142,10 @@ void Call::noContent()
 void Call::html(const QString &page, int status)
 {
     res.status = status;
-    res.set_content(page.toStdString(), "text/html; charset=utf-8");
+    res.body = page.toStdString();
+    res.contentType = "text/html; charset=utf-8";
+    res.setHeader("Content-Security-Policy", "frame-ancestors 'none'");
+    res.setHeader("X-Frame-Options", "DENY");
 }
 
 } // namespace cardserver

@@ -1,7 +1,7 @@
 #pragma once
+#include "http/message.h"
 #include "http/requestbody.h"
 
-#include <httplib.h>
 #include <QByteArray>
 #include <QJsonValue>
 #include <QString>
@@ -14,7 +14,7 @@ namespace cardserver {
 // and the reply only through this class, so the HTTP library stays inside http/.
 class Call {
 public:
-    Call(const httplib::Request &req, httplib::Response &res) : req(req), res(res) {}
+    Call(const HttpRequest &req, HttpResponse &res) : req(req), res(res) {}
 
     qint64 userId = 0;
 
@@ -25,7 +25,9 @@ public:
     QString capture(int group) const;
     QString query(const char *name) const;
     bool hasQuery(const char *name) const;
-    RequestBody body() const { return RequestBody::parse(req.body); }
+    // The body read as a JSON object. A body sent as anything but application/json is refused
+    // with 415 (a browser form cannot post JSON to another site without asking first).
+    RequestBody body() const;
     // The body exactly as it came.
     QByteArray bodyBytes() const;
     // The first value of a header, or empty.
@@ -45,16 +47,17 @@ public:
     void send(const QByteArray &bytes, const std::string &mediaType, int status = 200);
     void redirect(const QString &location, int status = 302);
     void noContent();
+    // An HTML page; it may not be shown inside another site's frame.
     void html(const QString &page, int status = 200);
 
-    static void sendJson(httplib::Response &res, const QJsonValue &value, int status);
-    static void sendError(httplib::Response &res, int status, const QString &message);
+    static void sendJson(HttpResponse &res, const QJsonValue &value, int status);
+    static void sendError(HttpResponse &res, int status, const QString &message);
     static std::string jsonBytes(const QJsonValue &value);
 
 private:
     friend class EventStream;
-    const httplib::Request &req;
-    httplib::Response &res;
+    const HttpRequest &req;
+    HttpResponse &res;
 };
 
 } // namespace cardserver

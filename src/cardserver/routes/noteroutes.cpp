@@ -114,6 +114,8 @@ void NoteRoutes::install(Router &router, Services &s)
             int done = 0;
             int annotated = 0;
             for (int index : todo) {
+                if (!stream.open())
+                    return; // the learner has gone; what is annotated so far is kept
                 try {
                     annotated += annotate(s, langs, lines, index) ? 1 : 0;
                 } catch (const WriterError &e) {

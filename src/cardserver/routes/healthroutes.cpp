@@ -1,0 +1,44 @@
+#include "routes/healthroutes.h"
+
+#include "http/httpserver.h"
+#include "http/router.h"
+#include "store/database.h"
+
+#include <QJsonObject>
+#include <QSqlQuery>
+
+namespace cardserver {
+
+namespace {
+
+bool storeAnswers(Database &db)
+{
+    try {
+        QSqlQuery query(db.connection());
+        return query.exec(QStringLiteral("SELECT 1")) && query.next() &&
+               query.value(0).toInt() == 1;
+    } catch (const std::exception &) {
+        return false;
+    }
+}
+
+} // namespace
+
+void HealthRoutes::install(Router &router, Database &db)
+{
+    HttpServer &server = router.server();
+    router.get(R"(/healthz)", Router::Access::Public, [&db, &server](Call &call) {
+        const bool ok = storeAnswers(db);
+        const HttpServer::Stats stats = server.stats();
+        call.setHeader("Cache-Control", "no-store");
+        call.reply(QJsonObject{{"status", ok ? "ok" : "unavailable"},
+                               {"database", ok ? "ok" : "unreachable"},
+                               {"connections", stats.connections},
+                               {"stream_jobs", stats.streamJobs},
+                               {"busy_workers", stats.busyWorkers},
+                               {"refused_connections", double(stats.refused)}},
+                   ok ? 200 : 503);
+    });
+}
+
+} // namespace cardserver
