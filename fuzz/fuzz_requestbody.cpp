@@ -2,7 +2,7 @@
 // line is the Content-Type header, the rest the body. A picture type sends the body to the upload
 // route's reader (ImageProbe); anything else is a JSON body read through Call::body() and every
 // typed read a route makes, on every key present and on items of lists. Bad input may only end in
-// an ApiError answering 400 (or a refused picture); nothing may crash, leak or throw anything else,
+// an ApiError answering 400 or 415 (or a refused picture); nothing may crash, leak or throw anything else,
 // and every refusal must make an error reply that is itself valid JSON.
 #include "http/apierror.h"
 #include "http/call.h"
@@ -33,7 +33,7 @@ void check(bool condition)
 // What the router does with a refusal: a JSON object {"error": message} with the status.
 void replyWithError(const ApiError &error)
 {
-    httplib::Response res;
+    cardserver::HttpResponse res;
     Call::sendError(res, error.status(), error.message());
     check(res.status == error.status());
     const QJsonDocument reply = QJsonDocument::fromJson(QByteArray::fromStdString(res.body));
@@ -109,8 +109,9 @@ void readJsonBody(const Call &call)
             });
         }
     } catch (const ApiError &error) {
-        // Only the body as a whole can be refused here: not JSON, or not an object.
-        check(error.status() == 400);
+        // Only the body as a whole can be refused here: not JSON, not an object (400), or not
+        // sent as application/json (415).
+        check(error.status() == 400 || error.status() == 415);
         replyWithError(error);
     }
 }
@@ -132,15 +133,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 {
     const std::string input(reinterpret_cast<const char *>(data), size);
     const std::size_t newline = input.find('\n');
-    httplib::Request req;
+    cardserver::HttpRequest req;
     req.method = "POST";
     if (newline != std::string::npos) {
-        req.set_header("Content-Type", input.substr(0, newline));
+        req.headers.emplace_back("Content-Type", input.substr(0, newline));
         req.body = input.substr(newline + 1);
     } else {
         req.body = input;
     }
-    httplib::Response res;
+    cardserver::HttpResponse res;
     const Call call(req, res);
     if (ImageProbe::acceptedType(call.header("Content-Type")))
         readPicture(QByteArray::fromStdString(req.body));
