@@ -2,8 +2,8 @@
 // line is the Content-Type header, the rest the body. A picture type sends the body to the upload
 // route's reader (ImageProbe); anything else is a JSON body read through Call::body() and every
 // typed read a route makes, on every key present and on items of lists. Bad input may only end in
-// an ApiError answering 400 or 415 (or a refused picture); nothing may crash, leak or throw anything else,
-// and every refusal must make an error reply that is itself valid JSON.
+// an ApiError answering 400 or 415 (or a refused picture); nothing may crash, leak or throw
+// anything else, and every refusal must make an error reply that is itself valid JSON.
 #include "http/apierror.h"
 #include "http/call.h"
 #include "http/requestbody.h"

@@ -26,11 +26,11 @@
 #include "store/database.h"
 #include "writers/writerfactory.h"
 
-#include <QUrl>
 #include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QProcessEnvironment>
+#include <QUrl>
 #include <stdexcept>
 
 namespace cardserver {
@@ -166,12 +166,11 @@ void CardServer::start()
         m_services->publicUrl.chop(1);
     // Browsers send this as Origin from the server's own pages (the reset form).
     const QUrl own(m_services->publicUrl);
-    m_http->setOwnOrigin(
-        own.isValid() ? own.adjusted(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment |
-                                     QUrl::RemoveUserInfo)
-                            .toString()
-                            .toStdString()
-                      : std::string());
+    m_http->setOwnOrigin(own.isValid() ? own.adjusted(QUrl::RemovePath | QUrl::RemoveQuery |
+                                                      QUrl::RemoveFragment | QUrl::RemoveUserInfo)
+                                             .toString()
+                                             .toStdString()
+                                       : std::string());
 }
 
 void CardServer::installRoutes()

@@ -76,10 +76,10 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
             arg = arg.left(eq);
             inlineValue = true;
         }
-        const QStringList withValue = {"--listen",       "--data",          "--writer",
-                                       "--llm-url",      "--llm-model",     "--database",
-                                       "--dictionaries", "--fetch-timeout", "--test-public-host",
-                                       "--max-connections", "--idle-timeout", "--read-timeout",
+        const QStringList withValue = {"--listen",          "--data",          "--writer",
+                                       "--llm-url",         "--llm-model",     "--database",
+                                       "--dictionaries",    "--fetch-timeout", "--test-public-host",
+                                       "--max-connections", "--idle-timeout",  "--read-timeout",
                                        "--request-threads", "--stream-threads"};
         if (withValue.contains(arg) && !inlineValue) {
             if (i + 1 >= arguments.size())

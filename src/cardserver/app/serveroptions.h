@@ -24,7 +24,7 @@ struct ServerOptions {
     QStringList testPublicHosts;
 
     // The HTTP layer's bounds (see HttpLimits).
-    int maxConnections = 10000; // beyond it a connection is answered 503 and closed
+    int maxConnections = 10000;  // beyond it a connection is answered 503 and closed
     int idleTimeoutSeconds = 30; // a kept-alive connection with no request is closed
     int readTimeoutSeconds = 10; // to send a request's headers once begun
     int requestThreads = 32;     // threads answering requests

@@ -1,5 +1,6 @@
 #pragma once
-#include "http/message.h"
+#include "http/httprequest.h"
+#include "http/httpresponse.h"
 #include "http/requestbody.h"
 
 #include <QByteArray>

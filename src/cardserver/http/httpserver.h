@@ -1,5 +1,6 @@
 #pragma once
-#include "http/message.h"
+#include "http/httprequest.h"
+#include "http/httpresponse.h"
 
 #include <functional>
 #include <memory>
@@ -7,20 +8,22 @@
 
 namespace cardserver {
 
+struct ServerState;
+
 // The bounds the HTTP layer keeps whatever a client sends.
 struct HttpLimits {
     size_t maxBodyBytes = 10 * 1024 * 1024; // chunked or not; larger answers 413
     size_t maxHeaderBytes = 16 * 1024;      // request line and headers; larger answers 431
     int maxHeaders = 100;                   // more answers 431
-    int readTimeoutSeconds = 10;    // to read a request's line and headers once it has begun
-    int bodyTimeoutSeconds = 60;    // to read its body
-    int writeTimeoutSeconds = 30;   // for any one write to a client
-    int idleTimeoutSeconds = 30;    // a kept-alive connection with no request is closed
-    int maxConnections = 10000;     // more are answered 503 and closed
-    int ioThreads = 0;              // 0: one per core
-    int workerThreads = 32;         // run the routes (blocking work: the store, hashing)
-    int streamThreads = 64;         // run event streams' jobs (a writer may take seconds)
-    int backlog = 1024;             // the kernel's queue of connections not yet accepted
+    int readTimeoutSeconds = 10;  // to read a request's line and headers once it has begun
+    int bodyTimeoutSeconds = 60;  // to read its body
+    int writeTimeoutSeconds = 30; // for any one write to a client
+    int idleTimeoutSeconds = 30;  // a kept-alive connection with no request is closed
+    int maxConnections = 10000;   // more are answered 503 and closed
+    int ioThreads = 0;            // 0: one per core
+    int workerThreads = 32;       // run the routes (blocking work: the store, hashing)
+    int streamThreads = 64;       // run event streams' jobs (a writer may take seconds)
+    int backlog = 1024;           // the kernel's queue of connections not yet accepted
 };
 
 // The HTTP/1.1 server (Boost.Beast over Boost.Asio; nothing outside http/ knows it).
@@ -66,10 +69,8 @@ public:
     };
     Stats stats() const;
 
-    struct Impl;
-
 private:
-    std::unique_ptr<Impl> d;
+    std::unique_ptr<ServerState> d;
 };
 
 } // namespace cardserver

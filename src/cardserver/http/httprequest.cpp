@@ -1,4 +1,4 @@
-#include "http/message.h"
+#include "http/httprequest.h"
 
 #include <strings.h>
 
@@ -27,24 +27,6 @@ const std::string *HttpRequest::param(const char *name) const
         if (key == name)
             return &value;
     return nullptr;
-}
-
-void HttpResponse::setHeader(const std::string &name, std::string value)
-{
-    for (auto &header : headers)
-        if (strcasecmp(header.first.c_str(), name.c_str()) == 0) {
-            header.second = std::move(value);
-            return;
-        }
-    headers.emplace_back(name, std::move(value));
-}
-
-bool HttpResponse::hasHeader(const char *name) const
-{
-    for (const auto &header : headers)
-        if (strcasecmp(header.first.c_str(), name) == 0)
-            return true;
-    return false;
 }
 
 } // namespace cardserver

@@ -1,12 +1,9 @@
 #pragma once
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace cardserver {
-
-class EventStream;
 
 // A request as the HTTP layer read it: what routes see through Call. Header names keep the
 // client's spelling and are looked up without regard to case.
@@ -27,23 +24,6 @@ struct HttpRequest {
     const std::string *header(const char *name, size_t n = 0) const;
     size_t headerCount(const char *name) const;
     const std::string *param(const char *name) const;
-};
-
-// The reply a route fills in. A status of 0 means "not set" (200 once a route ran).
-struct HttpResponse {
-    int status = 0;
-    std::vector<std::pair<std::string, std::string>> headers;
-    std::string body;
-    std::string contentType;
-    // Set by EventStream::start: the reply is a chunked event stream written by this job.
-    std::function<void(EventStream &)> streamJob;
-
-    void addHeader(std::string name, std::string value)
-    {
-        headers.emplace_back(std::move(name), std::move(value));
-    }
-    void setHeader(const std::string &name, std::string value);
-    bool hasHeader(const char *name) const;
 };
 
 } // namespace cardserver
