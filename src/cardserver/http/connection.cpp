@@ -264,7 +264,9 @@ void Connection::lingeringClose()
 
 void Connection::drain()
 {
-    m_stream.async_read_some(net::buffer(m_drain, sizeof m_drain),
+    if (!m_drain)
+        m_drain = std::make_unique<char[]>(DrainBytes);
+    m_stream.async_read_some(net::buffer(m_drain.get(), DrainBytes),
                              [self = shared_from_this()](beast::error_code ec, size_t n) {
                                  self->m_drained += n;
                                  if (ec || self->m_drained > 256u * 1024 * 1024)

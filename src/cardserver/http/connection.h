@@ -74,7 +74,8 @@ private:
     bool m_keepAlive = true;
     bool m_head = false;
     unsigned m_version = 11;
-    char m_drain[16 * 1024];
+    static constexpr size_t DrainBytes = 16 * 1024;
+    std::unique_ptr<char[]> m_drain; // only while closing
     size_t m_drained = 0;
 
     std::shared_ptr<StreamChannel> m_channel;
