@@ -3,6 +3,7 @@
 #include "http/connection.h"
 #include "http/urldecoding.h"
 
+#include <array>
 #include <QDebug>
 #include <strings.h>
 
@@ -50,6 +51,24 @@ void ServerState::take(tcp::socket socket)
         std::make_shared<Connection>(*this, std::move(socket))->start();
 }
 
+namespace {
+
+// Reads and drops what a refused client still sends until it closes or the deadline passes,
+// so that it reads the answer rather than a reset.
+void drainThenClose(std::shared_ptr<beast::tcp_stream> stream,
+                    std::shared_ptr<std::array<char, 4096>> sink, std::atomic<int> &closing)
+{
+    stream->async_read_some(net::buffer(*sink),
+                            [stream, sink, &closing](beast::error_code ec, size_t) {
+                                if (!ec)
+                                    return drainThenClose(stream, sink, closing);
+                                stream->close();
+                                closing.fetch_sub(1);
+                            });
+}
+
+} // namespace
+
 void ServerState::refuse(tcp::socket socket)
 {
     refused.fetch_add(1);
@@ -67,28 +86,13 @@ void ServerState::refuse(tcp::socket socket)
     stream->expires_after(std::chrono::seconds(2));
     net::async_write(
         *stream, net::buffer(*text), [this, stream, text](beast::error_code ec, size_t) {
-            if (!ec) {
-                // Lets the client read the answer before the connection goes.
-                stream->socket().shutdown(tcp::socket::shutdown_send, ec);
-                auto sink = std::make_shared<std::array<char, 4096>>();
-                auto drain = std::make_shared<std::function<void()>>();
-                *drain = [this, stream, sink, drain] {
-                    stream->async_read_some(net::buffer(*sink),
-                                            [this, stream, drain](beast::error_code ec, size_t) {
-                                                if (ec) {
-                                                    stream->close();
-                                                    closing.fetch_sub(1);
-                                                    *drain = nullptr; // ends the cycle
-                                                    return;
-                                                }
-                                                (*drain)();
-                                            });
-                };
-                (*drain)();
+            if (ec) {
+                stream->close();
+                closing.fetch_sub(1);
                 return;
             }
-            stream->close();
-            closing.fetch_sub(1);
+            stream->socket().shutdown(tcp::socket::shutdown_send, ec);
+            drainThenClose(stream, std::make_shared<std::array<char, 4096>>(), closing);
         });
 }
 
