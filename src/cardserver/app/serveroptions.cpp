@@ -50,7 +50,7 @@ QString ServerOptions::usage()
         "                       (default 30)\n"
         "  --read-timeout SECONDS  time for a client to send a request's headers (default 10;\n"
         "                       the body gets six times as long)\n"
-        "  --request-threads N  threads answering requests (default 32)\n"
+        "  --request-threads N  threads answering requests (default four per core, at least 8)\n"
         "  --stream-threads N   threads running card-writing streams (default 64; more streams\n"
         "                       wait for one)\n"
         "  --test-providers     offer Google and Apple sign-in that completes at once (for\n"

@@ -27,7 +27,7 @@ struct ServerOptions {
     int maxConnections = 10000;  // beyond it a connection is answered 503 and closed
     int idleTimeoutSeconds = 30; // a kept-alive connection with no request is closed
     int readTimeoutSeconds = 10; // to send a request's headers once begun
-    int requestThreads = 32;     // threads answering requests
+    int requestThreads = 0;      // threads answering requests (0: four per core, at least 8)
     int streamThreads = 64;      // threads running event streams' writer jobs
 
     bool help = false;

@@ -113,7 +113,10 @@ int HttpServer::bind(const std::string &host, int port)
 void HttpServer::run()
 {
     const int cores = int(std::max(1u, std::thread::hardware_concurrency()));
-    d->workers.start(std::max(1, d->limits.workerThreads));
+    // A few per core: enough that a request waiting on the disk or a password hash does not
+    // hold up the others, few enough that they do not crowd out the I/O threads.
+    d->workers.start(d->limits.workerThreads > 0 ? d->limits.workerThreads
+                                                 : std::max(8, 4 * cores));
     d->streamPool.start(std::max(1, d->limits.streamThreads));
     const int ioThreads = d->limits.ioThreads > 0 ? d->limits.ioThreads : cores;
     std::vector<std::thread> threads;
