@@ -238,9 +238,9 @@ void Connection::writeReply(HttpResponse res, bool keepAlive, bool linger)
         if (ec)
             return self->abort();
         if (linger)
-            return self->lingeringClose();
+            return self->closeWithin(std::chrono::seconds(5));
         if (!keepAlive)
-            return self->closeGracefully();
+            return self->closeWithin(std::chrono::seconds(2));
         self->waitRequest();
     };
     if (m_head) {
@@ -253,11 +253,11 @@ void Connection::writeReply(HttpResponse res, bool keepAlive, bool linger)
     }
 }
 
-void Connection::lingeringClose()
+void Connection::closeWithin(std::chrono::seconds deadline)
 {
     beast::error_code ec;
     m_stream.socket().shutdown(tcp::socket::shutdown_send, ec);
-    m_stream.expires_after(std::chrono::seconds(5));
+    m_stream.expires_after(deadline);
     m_buffer.clear();
     drain();
 }
@@ -273,15 +273,6 @@ void Connection::drain()
                                      return self->abort();
                                  self->drain();
                              });
-}
-
-void Connection::closeGracefully()
-{
-    beast::error_code ec;
-    m_stream.socket().shutdown(tcp::socket::shutdown_send, ec);
-    m_stream.expires_after(std::chrono::seconds(2));
-    m_buffer.clear();
-    drain();
 }
 
 void Connection::abort()
@@ -408,7 +399,7 @@ void Connection::flush()
                              return self->abort();
                          if (self->m_streamEnded) {
                              self->m_channel.reset();
-                             return self->closeGracefully();
+                             return self->closeWithin(std::chrono::seconds(2));
                          }
                          self->flush();
                      });

@@ -2,6 +2,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/beast/core.hpp>
 #include <boost/beast/http.hpp>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,13 +48,11 @@ private:
 
     void writeReply(HttpResponse res, bool keepAlive, bool linger);
 
-    // After a refusal: no more is read into memory, but what the client is still sending is
-    // drained (for a few seconds at most) so that it sees the answer rather than a reset.
-    void lingeringClose();
-
+    // Ends the connection after its last reply: nothing more is read into memory, but what the
+    // client still sends is drained (until `deadline`) so that it reads the reply rather than
+    // a reset.
+    void closeWithin(std::chrono::seconds deadline);
     void drain();
-
-    void closeGracefully();
 
     void abort();
 
