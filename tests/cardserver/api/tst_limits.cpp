@@ -38,6 +38,10 @@ constexpr bool Sanitized = false;
 constexpr bool Sanitized = false;
 #endif
 
+// How much the server may grow while refusing a body: 64 MB, or more under AddressSanitizer,
+// whose quarantine keeps freed memory resident for a while.
+constexpr qint64 GrowthBoundKb = (Sanitized ? 192 : 64) * 1024;
+
 // One of the server's figures from /proc/<pid>/status, in kB (VmRSS, VmHWM).
 qint64 memoryKb(qint64 pid, const char *field)
 {
@@ -262,7 +266,7 @@ private slots:
         QVERIFY(!bodyOf(reply)["error"].toString().isEmpty());
         const qint64 peak = memoryKb(server.pid(), "VmHWM");
         qDebug("idle %lld kB, peak %lld kB", idle, peak);
-        QVERIFY2(peak - idle < 64 * 1024, qPrintable(QString::number(peak - idle)));
+        QVERIFY2(peak - idle < GrowthBoundKb, qPrintable(QString::number(peak - idle)));
         QCOMPARE(health(server.baseUrl())["status"].toString(), QStringLiteral("ok"));
     }
 
@@ -297,7 +301,7 @@ private slots:
             QVERIFY2(statusOf(reply) == 415 || statusOf(reply) == 413, reply.left(200));
         }
         const qint64 peak = memoryKb(server.pid(), "VmHWM");
-        QVERIFY2(peak - idle < 64 * 1024, qPrintable(QString::number(peak - idle)));
+        QVERIFY2(peak - idle < GrowthBoundKb, qPrintable(QString::number(peak - idle)));
     }
 
     void tooManyHeaders()
@@ -355,11 +359,11 @@ private slots:
         QElapsedTimer clock;
         clock.start();
         for (Socket &s : slow)
-            dropped += s.closedByPeer(int(std::max<qint64>(1, 8000 - clock.elapsed()))) ? 1 : 0;
+            dropped += s.closedByPeer(int(std::max<qint64>(1, 15000 - clock.elapsed()))) ? 1 : 0;
         QCOMPARE(dropped, 500);
         QTRY_VERIFY2_WITH_TIMEOUT(health(server.baseUrl())["connections"].toInt() <= 5,
                                   qPrintable(QJsonDocument(health(server.baseUrl())).toJson()),
-                                  5000);
+                                  10000);
     }
 
     void thousandsOfIdleConnectionsDoNotBlockANewRequest()
@@ -461,7 +465,7 @@ private slots:
         // 100 lines at 200 ms would take 20 s; the job ends within a line or two.
         QElapsedTimer clock;
         clock.start();
-        QTRY_COMPARE_WITH_TIMEOUT(health(server.baseUrl())["stream_jobs"].toInt(), 0, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(health(server.baseUrl())["stream_jobs"].toInt(), 0, 8000);
         qDebug("the job ended %lld ms after the hang-up, after %d model calls", clock.elapsed(),
                calls.load());
         QVERIFY(calls.load() < 20);
