@@ -91,8 +91,10 @@ void Connection::waitRequest()
         return abort();
     if (m_buffer.size() > 0)
         return readHeader();
-    // An idle kept-alive connection: wait for the first byte of the next request.
-    m_stream.expires_after(std::chrono::seconds(limits().idleTimeoutSeconds));
+    // Wait for the first byte of the next request: a kept-alive connection may idle for the
+    // idle timeout, a new one has no longer than it would have to send its headers.
+    m_stream.expires_after(std::chrono::seconds(m_answered > 0 ? limits().idleTimeoutSeconds
+                                                               : limits().readTimeoutSeconds));
     m_stream.async_read_some(m_buffer.prepare(4096),
                              [self = shared_from_this()](beast::error_code ec, size_t n) {
                                  if (ec)
@@ -184,6 +186,7 @@ void Connection::onBody(beast::error_code ec)
     req->body = std::move(message.body());
     req->remoteAddr = m_peer;
     m_keepAlive = message.keep_alive();
+    ++m_answered;
     m_version = message.version();
     m_head = message.method() == http::verb::head;
     m_parser.reset();

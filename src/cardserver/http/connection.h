@@ -71,6 +71,7 @@ private:
     std::optional<boost::beast::http::request_parser<boost::beast::http::string_body>> m_parser;
     std::string m_peer;
     bool m_keepAlive = true;
+    unsigned m_answered = 0; // requests read on this connection
     bool m_head = false;
     unsigned m_version = 11;
     static constexpr size_t DrainBytes = 16 * 1024;
