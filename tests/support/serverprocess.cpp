@@ -1,5 +1,7 @@
 #include "serverprocess.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <QElapsedTimer>
 
 ServerProcess::ServerProcess(const QStringList &extraArguments) : m_arguments(extraArguments) {}
@@ -26,6 +28,16 @@ bool ServerProcess::start(int timeoutMs)
     }
     QStringList arguments{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0"),
                           QStringLiteral("--data"), m_data.path()};
+    if (TestDatabase::postgresWanted() && !m_arguments.contains(QStringLiteral("--database"))) {
+        const QString missing = TestDatabase::clusterMissing();
+        if (!missing.isEmpty() && qEnvironmentVariable("CI") != QLatin1String("true")) {
+            std::fprintf(stderr, "SKIP: %s\n", qPrintable(missing));
+            std::exit(TestDatabase::SkipStatus);
+        }
+        if (!m_database.create(&m_error))
+            return false;
+        arguments << QStringLiteral("--database") << m_database.url();
+    }
     arguments += m_arguments;
     m_process.setProcessChannelMode(QProcess::SeparateChannels);
     m_process.start(executable(), arguments);
