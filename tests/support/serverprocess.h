@@ -32,6 +32,15 @@ public:
 
     static QString executable();
 
+    // Runs orvel-server to the end (for commands that exit, such as --check): its exit status
+    // (-1 when it did not end within ten seconds) and what it printed.
+    struct Outcome {
+        int code;
+        QString out;
+        QString err;
+    };
+    static Outcome run(const QStringList &arguments);
+
 private:
     QStringList m_arguments;
     QTemporaryDir m_data;

@@ -21,7 +21,8 @@ public:
     static constexpr int SkipStatus = 77;
 
     // Makes the database (PostgreSQL only; a no-op for SQLite). False, with the reason in
-    // `error`, when it could not be made.
+    // `error`, when it could not be made. Without a test cluster, outside CI, the test program
+    // says so and exits with SkipStatus.
     bool create(QString *error);
     // The --database value for the server: empty for SQLite under the data folder.
     QString url() const { return m_url; }

@@ -9,23 +9,8 @@
 class TestCommandLine : public QObject {
     Q_OBJECT
 
-    struct Run {
-        int code;
-        QString out;
-        QString err;
-    };
-    static Run run(const QStringList &arguments)
-    {
-        QProcess p;
-        p.start(ServerProcess::executable(), arguments);
-        if (!p.waitForFinished(10000)) {
-            p.kill();
-            p.waitForFinished();
-            return {-1, {}, {}};
-        }
-        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-                QString::fromUtf8(p.readAllStandardError())};
-    }
+    using Run = ServerProcess::Outcome;
+    static Run run(const QStringList &arguments) { return ServerProcess::run(arguments); }
 
 private slots:
     void helpDocumentsEveryFlag()
