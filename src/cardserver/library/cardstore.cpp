@@ -3,6 +3,7 @@
 #include "http/apierror.h"
 #include "store/database.h"
 #include "store/sql.h"
+#include "store/textmatch.h"
 #include "text/clock.h"
 #include "text/jsonwriter.h"
 #include "text/textfold.h"
@@ -250,10 +251,11 @@ qint64 CardStore::deckOf(qint64 userId, qint64 cardId)
 
 QJsonArray CardStore::search(qint64 userId, const QString &foldedQuery, int limit)
 {
+    const TextMatch match(m_db.engine(), foldedQuery);
     Sql q(m_db, "SELECT " + Columns +
-                    " FROM cards c JOIN decks d ON d.id = c.deck_id WHERE d.user_id = ? AND "
-                    "instr(c.search_fold, ?) > 0 ORDER BY c.id DESC LIMIT ?");
-    q.bind(userId).bind(foldedQuery).bind(limit).exec();
+                    " FROM cards c JOIN decks d ON d.id = c.deck_id WHERE d.user_id = ? AND " +
+                    match.on("c.search_fold") + " ORDER BY c.id DESC LIMIT ?");
+    q.bind(userId).bind(match.value()).bind(limit).exec();
     QJsonArray out;
     while (q.next())
         out.append(fromRow(q));

@@ -111,6 +111,13 @@ std::unique_ptr<Connection> Database::openConnection()
         throw std::runtime_error(("cannot reach the " + m_address.describe() + ": " +
                                   db.lastError().databaseText().simplified())
                                      .toStdString());
+    // libpq prints the server's notices on standard error ("relation already exists,
+    // skipping"): only warnings and worse belong in the log.
+    QSqlQuery quiet(db);
+    if (!quiet.exec(QStringLiteral("SET client_min_messages TO warning")))
+        throw std::runtime_error(("cannot set up a connection to the " + m_address.describe() +
+                                  ": " + quiet.lastError().databaseText().simplified())
+                                     .toStdString());
     return c;
 }
 
@@ -279,25 +286,30 @@ void Database::writePostgres(ThreadState &state, const std::function<void()> &wo
 {
     for (int attempt = 1;; ++attempt) {
         hold();
+        // A COMMIT that fails has ended the transaction already: no ROLLBACK after it.
+        bool committing = false;
         try {
             execute(QStringLiteral("BEGIN ISOLATION LEVEL SERIALIZABLE"));
             state.writeDepth = 1;
             work();
             state.writeDepth = 0;
+            committing = true;
             execute(QStringLiteral("COMMIT"));
             m_generation.fetch_add(1, std::memory_order_acq_rel);
             letGo();
             return;
         } catch (const WriteConflict &conflict) {
             state.writeDepth = 0;
-            rollbackQuietly();
+            if (!committing)
+                rollbackQuietly();
             letGo();
             if (attempt >= WriteAttempts)
                 throw std::runtime_error(std::string("a write kept conflicting with others: ") +
                                          conflict.what());
         } catch (...) {
             state.writeDepth = 0;
-            rollbackQuietly();
+            if (!committing)
+                rollbackQuietly();
             letGo();
             throw;
         }

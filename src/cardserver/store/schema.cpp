@@ -243,10 +243,6 @@ const QList<QList<Step>> &migrations()
              R"(CREATE TABLE media_data (
                 media_id BIGINT PRIMARY KEY REFERENCES media(id) ON DELETE CASCADE,
                 bytes BYTEA NOT NULL CHECK (octet_length(bytes) <= 10485760)))"},
-            // Searches look for folded text with SQLite's instr(); PostgreSQL gets the same
-            // function, inlined into strpos() by the planner.
-            {"", "CREATE FUNCTION instr(haystack TEXT, needle TEXT) RETURNS INTEGER LANGUAGE sql "
-                 "IMMUTABLE STRICT PARALLEL SAFE AS 'SELECT strpos(haystack, needle)'"},
         },
     };
     return all;

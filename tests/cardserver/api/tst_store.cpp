@@ -238,6 +238,26 @@ private slots:
         QCOMPARE(ServerProcess::run(s.args({"--migrate-only"})).code, 1);
     }
 
+    void searchTakesWildcardsLiterally()
+    {
+        ServerProcess server({"--local"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.join("finder@example.org");
+        const qint64 deck = api.deck()["id"].toInteger();
+        api.note(deck, "Fully 100% sure", "snake_case here\nsnakeXcase there\nback\\slash");
+        api.note(deck, "Fully 1000 sure", "nothing");
+        auto found = [&](const QString &q, const char *what) {
+            return api.get("/api/search?q=" + QUrl::toPercentEncoding(q))[what].toArray().size();
+        };
+        QCOMPARE(found("100%", "notes"), 1);
+        QCOMPARE(found("10", "notes"), 2);
+        QCOMPARE(found("e_c", "lines"), 1);
+        QCOMPARE(found("\\s", "lines"), 1);
+        QCOMPARE(found("%", "lines"), 0);
+        QCOMPARE(found("SNAKE", "lines"), 2);
+    }
+
     void concurrentWritesAllLand()
     {
         ServerProcess server({"--local"});
