@@ -200,14 +200,16 @@ QJsonObject CardStore::insert(qint64 deckId, const QJsonObject &written)
 
 QJsonObject CardStore::rewrite(qint64 userId, qint64 cardId, const QJsonObject &written)
 {
-    QJsonObject c = normalised(written);
+    const QJsonObject c = normalised(written);
     m_db.write([&] {
-        card(userId, cardId); // 404 unless it is the account's
-        // A rewrite that comes back without a term keeps the card's own.
-        if (c.value("term").toString().isEmpty())
-            c.insert("term", card(userId, cardId).value("term"));
+        // A rewrite that comes back without a term keeps the card's own (as this run of the
+        // transaction reads it: the write may run again).
+        QJsonObject row = c;
+        const QJsonObject current = card(userId, cardId); // 404 unless it is the account's
+        if (row.value("term").toString().isEmpty())
+            row.insert("term", current.value("term"));
         Sql q(m_db, "UPDATE cards SET " + WrittenColumns.join(" = ?, ") + " = ? WHERE id = ?");
-        bindWritten(q, c).bind(cardId).exec();
+        bindWritten(q, row).bind(cardId).exec();
     });
     return card(userId, cardId);
 }
