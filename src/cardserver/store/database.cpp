@@ -179,12 +179,16 @@ void Database::open()
 
 bool Database::reachable()
 {
-    try {
-        execute(QStringLiteral("SELECT 1"));
-        return true;
-    } catch (const std::exception &) {
-        return false;
+    // A second try runs on a new connection when the first found its connection lost (the
+    // database server restarted since it was opened).
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        try {
+            execute(QStringLiteral("SELECT 1"));
+            return true;
+        } catch (const std::exception &) {
+        }
     }
+    return false;
 }
 
 QSqlQuery &Database::prepared(const QString &sql)
@@ -202,6 +206,23 @@ void Database::finished(QSqlQuery &query)
 {
     query.finish();
     letGo();
+}
+
+QSqlQuery *Database::preparedAfresh(QSqlQuery &failed)
+{
+    ThreadState &state = threadState();
+    if (engine() != Engine::Postgres || state.holds != 1 || state.writeDepth > 0 ||
+        !connectionLost(failed.lastError()))
+        return nullptr;
+    const QString sql = failed.lastQuery();
+    const QVariantList values = failed.boundValues();
+    state.connection->markBroken();
+    failed.finish();
+    letGo();
+    QSqlQuery &again = prepared(sql);
+    for (int i = 0; i < values.size(); ++i)
+        again.bindValue(i, values.at(i));
+    return &again;
 }
 
 void Database::execute(const QString &sql)
@@ -308,10 +329,15 @@ void Database::writePostgres(ThreadState &state, const std::function<void()> &wo
                                          conflict.what());
         } catch (...) {
             state.writeDepth = 0;
-            if (!committing)
+            // A transaction whose connection was lost before COMMIT left nothing behind, so it
+            // runs again on a new connection (once). Lost during COMMIT, it may have landed:
+            // that is reported, never guessed.
+            const bool lost = state.connection->broken();
+            if (!committing && !lost)
                 rollbackQuietly();
             letGo();
-            throw;
+            if (!lost || committing || attempt > 1)
+                throw;
         }
         // Conflicting transactions back off for a random while, growing with each attempt, so
         // that they do not meet again at once.
