@@ -1,6 +1,7 @@
 // The store under the server, on the engine under test (SQLite, or PostgreSQL for
 // tst_server_store_pg): migrations from every earlier schema version and from a store that the
-// previous release wrote, --migrate-only and --check, and concurrent writes that must all land.
+// previous release wrote, --migrate-only and --check, concurrent writes that must all land, and
+// (PostgreSQL) two server processes on one store and connections the database drops.
 #include "api.h"
 
 #include <QDir>
@@ -256,6 +257,42 @@ private slots:
         QCOMPARE(found("\\s", "lines"), 1);
         QCOMPARE(found("%", "lines"), 0);
         QCOMPARE(found("SNAKE", "lines"), 2);
+    }
+
+    void twoProcessesShareEverything()
+    {
+        if (!TestDatabase::postgresWanted())
+            QSKIP("SQLite's store belongs to one process");
+        ServerProcess first({"--local"});
+        QVERIFY(startServer(first));
+        ServerProcess second({"--local", "--database", first.database().url()});
+        QVERIFY(startServer(second));
+        Api one(first.baseUrl());
+        one.join("both@example.org");
+        const qint64 deck = one.deck()["id"].toInteger();
+        // The session, the deck list (counted afresh, not remembered), a note and a picture
+        // written through one process are what the other one serves.
+        Api other(second.baseUrl());
+        other.setCookie(one.cookie());
+        QCOMPARE(other.get("/api/auth/me")["email"].toString(), QStringLiteral("both@example.org"));
+        QCOMPARE(other.get("/api/decks").array()[0].toObject()["note_count"].toInt(), 0);
+        const qint64 note = one.note(deck, "Shared", "eins\nzwei")["id"].toInteger();
+        QCOMPARE(other.get("/api/decks").array()[0].toObject()["note_count"].toInt(), 1);
+        QCOMPARE(other.get(path("/api/notes/%1", note))["lines"].toArray().size(), 2);
+
+        QFile file(Fixtures + "/release-store/media/1/03feb8ab8249b46cc2371daffb7d6ebc.png");
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QByteArray picture = file.readAll();
+        for (int b = 0; b < 256; ++b) // every byte value survives the trip through bytea
+            picture.append(char(b));
+        const Api::Reply uploaded = one.postRaw("/api/media", picture, "image/png");
+        QCOMPARE(uploaded.status, 201);
+        const Api::Reply served = Api(second.baseUrl()).get(uploaded["url"].toString());
+        QCOMPARE(served.status, 200);
+        QCOMPARE(served.header("Content-Type"), QStringLiteral("image/png"));
+        QCOMPARE(served.body, picture);
+        one.post("/api/auth/logout");
+        QCOMPARE(other.get("/api/auth/me").status, 401);
     }
 
     void lostConnectionsAreReplaced()
