@@ -21,6 +21,8 @@ public:
     QUrl baseUrl() const { return m_baseUrl; }
     QString dataDir() const { return m_data.path(); }
     QString errorText() const { return m_error; }
+    // The server's process id while it runs (for reading /proc/<pid>/status).
+    qint64 pid() const { return m_process.processId(); }
     // What the server wrote to its standard error so far (its log).
     QByteArray log();
 

@@ -10,6 +10,7 @@
 #include "app/services.h"
 #include "http/apierror.h"
 #include "http/router.h"
+#include "net/clientaddress.h"
 
 #include <QRegularExpression>
 #include <QUrl>
@@ -55,7 +56,7 @@ void sendConfirmation(Services &s, const Account &a)
 void signIn(Call &call, Services &s, const Account &a)
 {
     const QString token = s.accounts.startSession(a.id);
-    call.setHeader("Set-Cookie", SessionCookie::set(token, call));
+    call.setHeader("Set-Cookie", SessionCookie::set(token, call, s.publicUrl));
     call.reply(a.json());
 }
 
@@ -66,10 +67,13 @@ void AuthRoutes::install(Router &router, Services &s)
     router.get(R"(/api/auth/options)", Access::Public, [&s](Call &call) {
         call.reply(QJsonObject{{"google", s.options.testProviders},
                                {"apple", s.options.testProviders},
-                               {"signup", true}});
+                               {"signup", !s.options.noSignup}});
     });
 
     router.post(R"(/api/auth/signup)", Access::Public, [&s](Call &call) {
+        if (s.options.noSignup)
+            throw ApiError(403, QStringLiteral("This server takes no new accounts. Ask the person "
+                                               "who runs it to make one for you."));
         const RequestBody body = call.body();
         const QString email = checkedEmail(body.string("email"));
         const QString password = body.string("password");
@@ -93,26 +97,34 @@ void AuthRoutes::install(Router &router, Services &s)
     });
 
     router.post(R"(/api/auth/login)", Access::Public, [&s](Call &call) {
+        // The address's shape first: nothing is looked up or hashed for one that cannot be.
         const RequestBody body = call.body();
-        const QString email = body.string("email").trimmed();
+        const QString email = checkedEmail(body.string("email"));
         const QString password = body.string("password");
-        if (s.throttle.blocked(email))
-            throw ApiError(429, QStringLiteral("Too many tries. Wait a minute, then try again."));
+        if (password.size() > 1024)
+            throw ApiError::invalid(QStringLiteral("That password is too long."));
+        const QString client = s.clientAddress.of(call);
+        if (const auto wait = s.throttle.waitBefore(email, client); wait.count() > 0) {
+            const qint64 seconds = (wait.count() + 999) / 1000;
+            call.setHeader("Retry-After", std::to_string(seconds));
+            throw ApiError(429, QStringLiteral("Too many tries. Wait %1 %2, then try again.")
+                                    .arg(seconds)
+                                    .arg(seconds == 1 ? "second" : "seconds"));
+        }
         const auto account = s.accounts.byEmail(email);
         // An unknown address costs the same hashing time as a wrong password, so the answer's
         // timing does not tell which addresses have accounts.
-        static const QString decoy = PasswordHasher::hash(QStringLiteral("decoy password"));
         const bool matches =
-            PasswordHasher::verify(account ? account->passwordHash : decoy, password);
+            s.hasher.verify(account ? account->passwordHash : s.hasher.decoy(), password);
         if (!account || !matches) {
-            s.throttle.failed(email);
+            s.throttle.failed(email, client);
             throw ApiError(401, QStringLiteral("That email and password don’t match."));
         }
+        s.throttle.succeeded(email, client);
         if (!account->confirmed)
             throw ApiError(403, QStringLiteral("Confirm your address first: open the link we "
                                                "sent to %1.")
                                     .arg(account->email));
-        s.throttle.succeeded(email);
         signIn(call, s, *account);
     });
 
@@ -120,7 +132,7 @@ void AuthRoutes::install(Router &router, Services &s)
         const QString token = SessionCookie::read(call);
         if (!token.isEmpty())
             s.accounts.endSession(token);
-        call.setHeader("Set-Cookie", SessionCookie::cleared(call));
+        call.setHeader("Set-Cookie", SessionCookie::cleared(call, s.publicUrl));
         call.reply(QJsonObject{{"ok", true}});
     });
 
@@ -162,7 +174,7 @@ void AuthRoutes::install(Router &router, Services &s)
         const QString current = body.string("current");
         const QString next = body.string("next");
         const auto account = s.accounts.byId(call.userId);
-        if (!account || !PasswordHasher::verify(account->passwordHash, current))
+        if (!account || !s.hasher.verify(account->passwordHash, current))
             throw ApiError(403, QStringLiteral("Your current password is not right."));
         checkPassword(next);
         s.accounts.setPassword(call.userId, next);
@@ -204,9 +216,11 @@ void AuthRoutes::install(Router &router, Services &s)
     router.post(R"(/app/reset)", Access::Public, [&s](Call &call) {
         const QString token = call.query("token");
         const QString password = call.query("password");
-        if (password.size() < 8) {
+        if (password.size() < 8 || password.size() > 1024) {
             call.html(AccountPages::resetForm(
-                          token, QStringLiteral("Choose a password of at least 8 characters.")),
+                          token, password.size() < 8
+                                     ? QStringLiteral("Choose a password of at least 8 characters.")
+                                     : QStringLiteral("That password is too long.")),
                       422);
             return;
         }

@@ -6,6 +6,8 @@
 #include "http/router.h"
 #include "library/cardstore.h"
 #include "library/deckstore.h"
+#include "limits/callrate.h"
+#include "routes/streamjob.h"
 #include "writers/writer.h"
 
 #include <QSet>
@@ -76,7 +78,8 @@ void CardRoutes::install(Router &router, Services &s)
     router.post(R"(/api/decks/(\d+)/cards)", Access::SignedIn, [&s](Call &call) {
         const DeckInfo deck = s.decks.info(call.userId, call.id(1));
         const QString input = checkedInput(call.body().string("input"));
-        EventStream::start(call, [&s, deck, input](EventStream &stream) {
+        s.modelCalls.takeOrRefuse(call.userId);
+        StreamJob::start(call, s, [&s, deck, input](EventStream &stream) {
             try {
                 const QJsonObject card = writeAndStore(s, deck, input, streamedProgress(stream));
                 stream.send(with(event("card"), "card", card));
@@ -98,7 +101,8 @@ void CardRoutes::install(Router &router, Services &s)
             terms.append(RequestBody::stringIn(o, "term", "word").trimmed());
             RequestBody::stringIn(o, "source", "word", false);
         }
-        EventStream::start(call, [&s, deck, terms](EventStream &stream) {
+        const qint64 userId = call.userId;
+        StreamJob::start(call, s, [&s, deck, terms, userId](EventStream &stream) {
             stream.send(with(event("start"), "total", int(terms.size())));
             // The batch goes on when the learner stops listening: the cards are theirs anyway.
             for (int i = 0; i < terms.size(); ++i) {
@@ -116,6 +120,8 @@ void CardRoutes::install(Router &router, Services &s)
                     continue;
                 }
                 try {
+                    // A batch slows down to the account's share of model calls, not fails.
+                    s.modelCalls.takeOrWait(userId);
                     const QJsonObject card = writeAndStore(s, deck, term, quiet());
                     stream.send(QJsonObject{{"type", "card"}, {"index", i}, {"card", card}});
                 } catch (const WriterError &e) {
@@ -133,7 +139,8 @@ void CardRoutes::install(Router &router, Services &s)
             throw ApiError::invalid(QStringLiteral("Paste some text first."));
         const QString read = text.left(ExtractLimit);
         const int unread = int(text.size() - read.size());
-        EventStream::start(call, [&s, deck, read, unread](EventStream &stream) {
+        s.modelCalls.takeOrRefuse(call.userId);
+        StreamJob::start(call, s, [&s, deck, read, unread](EventStream &stream) {
             stream.send(with(event("reading"), "characters", int(read.size())));
             QJsonArray offered;
             QSet<QString> seen;
@@ -178,6 +185,7 @@ void CardRoutes::install(Router &router, Services &s)
         const qint64 cardId = call.id(1);
         const QJsonObject old = s.cards.card(call.userId, cardId);
         const DeckInfo deck = s.decks.info(call.userId, old.value("deck_id").toInteger());
+        s.modelCalls.takeOrRefuse(call.userId);
         const QJsonObject written = s.writer.writeCard({deck.language, deck.nativeLanguage},
                                                        old.value("term").toString(), quiet());
         call.reply(s.cards.rewrite(call.userId, cardId, written));
