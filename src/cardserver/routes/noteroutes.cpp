@@ -106,31 +106,34 @@ void NoteRoutes::install(Router &router, Services &s)
         }
 
         const bool all = body.optionalBoolean("all").value_or(false);
-        StreamJob::start(call, s, [&s, langs, noteId, userId, all](EventStream &stream) {
-            const QList<NoteLine> lines = s.notes.lines(noteId);
-            QList<int> todo;
-            for (int i = 0; i < lines.size(); ++i)
-                if (all ? !lines.at(i).text.trimmed().isEmpty() : lines.at(i).pending())
-                    todo.append(i);
-            const int total = int(todo.size());
-            stream.send(QJsonObject{{"type", "start"}, {"total", total}});
-            int done = 0;
-            int annotated = 0;
-            for (int index : todo) {
-                try {
-                    s.modelCalls.takeOrWait(userId);
-                    annotated += annotate(s, langs, lines, index) ? 1 : 0;
-                } catch (const WriterError &e) {
-                    stream.send(QJsonObject{{"type", "error"}, {"error", e.message()}});
-                    break;
+        StreamJob::start(
+            call, s, StreamJob::ModelCall::None,
+            [&s, langs, noteId, userId, all](EventStream &stream) {
+                const QList<NoteLine> lines = s.notes.lines(noteId);
+                QList<int> todo;
+                for (int i = 0; i < lines.size(); ++i)
+                    if (all ? !lines.at(i).text.trimmed().isEmpty() : lines.at(i).pending())
+                        todo.append(i);
+                const int total = int(todo.size());
+                stream.send(QJsonObject{{"type", "start"}, {"total", total}});
+                int done = 0;
+                int annotated = 0;
+                for (int index : todo) {
+                    try {
+                        s.modelCalls.takeOrWait(userId);
+                        annotated += annotate(s, langs, lines, index) ? 1 : 0;
+                    } catch (const WriterError &e) {
+                        stream.send(QJsonObject{{"type", "error"}, {"error", e.message()}});
+                        break;
+                    }
+                    ++done;
+                    stream.send(
+                        QJsonObject{{"type", "progress"}, {"done", done}, {"total", total}});
                 }
-                ++done;
-                stream.send(QJsonObject{{"type", "progress"}, {"done", done}, {"total", total}});
-            }
-            stream.send(QJsonObject{{"type", "done"},
-                                    {"note", s.notes.note(userId, noteId)},
-                                    {"annotated", annotated}});
-        });
+                stream.send(QJsonObject{{"type", "done"},
+                                        {"note", s.notes.note(userId, noteId)},
+                                        {"annotated", annotated}});
+            });
     });
 
     router.post(R"(/api/notes/(\d+)/lines/(\d+)/deepen)", Access::SignedIn, [&s](Call &call) {
