@@ -1,12 +1,14 @@
 // Limits on signing in, over HTTP: failed sign-ins make the next try wait longer each time,
-// counted per address and per client IP, so that failures from elsewhere delay the owner of an
-// address only a little; the address is checked before anything is looked up; password hashes
-// run a few at a time, and a sign-in that finds no free worker in time hears the server is busy.
+// counted per address and per client IP in the store (two servers on one store share them), so
+// that failures from elsewhere delay the owner of an address only a little; the address is checked
+// before anything is looked up; password hashes run a few at a time, and a sign-in that finds no
+// free worker in time hears the server is busy.
 #include "api.h"
 
 #include <atomic>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTemporaryDir>
 #include <QTest>
 #include <thread>
 #include <vector>
@@ -142,6 +144,24 @@ private slots:
         QCOMPARE(onceLetThrough(*owner, "ann@example.org", "the right one"), 200);
         // Other addresses are not slowed at all.
         QCOMPARE(login(*client(server, "203.0.113.10"), "ann2@example.org", "guess").status, 401);
+    }
+
+    void aSecondServerOnTheStoreSeesTheFailures()
+    {
+        QTemporaryDir shared;
+        const QString store = shared.filePath("orvel.sqlite");
+        ServerProcess first({"--local", "--database", store, "--login-delay-ms", "60000"});
+        QVERIFY(startServer(first));
+        Api(first.baseUrl()).join("cy@example.org", "the right one");
+        ServerProcess second({"--local", "--database", store, "--login-delay-ms", "60000"});
+        QVERIFY(startServer(second));
+
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(login(*client(first, "203.0.113.9"), "cy@example.org", "guess").status, 401);
+        QCOMPARE(login(*client(second, "203.0.113.9"), "cy@example.org", "the right one").status,
+                 429);
+        QCOMPARE(login(*client(second, "198.51.100.4"), "cy@example.org", "the right one").status,
+                 200);
     }
 
     void theAddressIsCheckedFirst()
