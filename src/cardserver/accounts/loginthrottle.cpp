@@ -63,7 +63,7 @@ std::chrono::milliseconds LoginThrottle::waitBefore(const QString &email, const 
     const qint64 now = nowMs();
     qint64 wait = 0;
     for (int i = 0; i < 3; ++i) {
-        Sql q(m_db, "SELECT failures, last_failure FROM login_failures WHERE key = ?");
+        Sql q(m_db, "SELECT failures, last_failure FROM login_failures WHERE subject = ?");
         q.bind(keys[i]).exec();
         if (q.next())
             wait = std::max(wait, waitFor(*rules[i], q.integer(0), q.integer(1), now));
@@ -77,10 +77,11 @@ void LoginThrottle::failed(const QString &email, const QString &client)
     m_db.write([&] {
         for (const QString &key : {pairKey(email, client), clientKey(client), addressKey(email)}) {
             // A counter quiet for longer than it is remembered starts again at one.
-            Sql(m_db, "INSERT INTO login_failures (key, failures, last_failure) VALUES (?, 1, ?) "
-                      "ON CONFLICT (key) DO UPDATE SET failures = CASE WHEN "
-                      "login_failures.last_failure < ? THEN 1 ELSE login_failures.failures + 1 "
-                      "END, last_failure = excluded.last_failure")
+            Sql(m_db,
+                "INSERT INTO login_failures (subject, failures, last_failure) VALUES (?, 1, ?) "
+                "ON CONFLICT (subject) DO UPDATE SET failures = CASE WHEN "
+                "login_failures.last_failure < ? THEN 1 ELSE login_failures.failures + 1 "
+                "END, last_failure = excluded.last_failure")
                 .bind(key)
                 .bind(now)
                 .bind(now - forgetAfterMs())
@@ -93,7 +94,7 @@ void LoginThrottle::succeeded(const QString &email, const QString &client)
 {
     m_db.write([&] {
         for (const QString &key : {pairKey(email, client), addressKey(email)})
-            Sql(m_db, "DELETE FROM login_failures WHERE key = ?").bind(key).exec();
+            Sql(m_db, "DELETE FROM login_failures WHERE subject = ?").bind(key).exec();
     });
 }
 

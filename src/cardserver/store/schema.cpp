@@ -124,10 +124,10 @@ const QList<QStringList> &migrations()
             "ALTER TABLE media ADD COLUMN animated INTEGER NOT NULL DEFAULT 0",
         },
         {
-            // Failed sign-ins per key (a digest of address, client IP or both); the time is
+            // Failed sign-ins per subject (a digest of address, client IP or both); the time is
             // in milliseconds since the epoch.
             R"(CREATE TABLE login_failures (
-                key TEXT PRIMARY KEY,
+                subject TEXT PRIMARY KEY,
                 failures INTEGER NOT NULL,
                 last_failure BIGINT NOT NULL))",
             "CREATE INDEX login_failures_last ON login_failures(last_failure)",
