@@ -68,3 +68,14 @@ std::string BenchServer::join(const std::string &email)
     const std::string set = in->get_header_value("Set-Cookie");
     return set.substr(0, set.find(';'));
 }
+
+qint64 BenchServer::peakMemory() const
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(m_process.processId()));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+    return -1;
+}
