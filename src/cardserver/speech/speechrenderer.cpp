@@ -21,27 +21,32 @@ namespace {
 constexpr int kStartTimeoutMs = 5000;
 constexpr int kRunTimeoutMs = 30000;
 
+// What a learner hears when a tool failed; the tool's own words go to the log.
+WriterError speechFailed()
+{
+    return WriterError(QStringLiteral("Speech failed on this server. Try again later."), 503);
+}
+
 // Runs a program with an argument list (never through a shell); returns its standard output, or
 // throws WriterError(503). What the program said goes to the log: learners get a plain sentence.
 QByteArray run(const QString &program, const QStringList &arguments)
 {
-    const WriterError failed(QStringLiteral("Speech failed on this server. Try again later."), 503);
     QProcess process;
     process.start(program, arguments);
     if (!process.waitForStarted(kStartTimeoutMs)) {
         qWarning().noquote() << program << "cannot be started:" << process.errorString();
-        throw failed;
+        throw speechFailed();
     }
     if (!process.waitForFinished(kRunTimeoutMs)) {
         process.kill();
         process.waitForFinished(1000);
         qWarning().noquote() << program << "took too long and was stopped";
-        throw failed;
+        throw speechFailed();
     }
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
         qWarning().noquote() << program << "stopped with code" << process.exitCode() << ":"
                              << QString::fromUtf8(process.readAllStandardError()).simplified();
-        throw failed;
+        throw speechFailed();
     }
     return process.readAllStandardOutput();
 }
@@ -136,7 +141,7 @@ QByteArray SpeechRenderer::renderUncached(const QString &text, const QString &vo
     QTemporaryDir work;
     if (!work.isValid()) {
         qWarning().noquote() << "speech: no temporary folder:" << work.errorString();
-        throw WriterError(QStringLiteral("Speech failed on this server. Try again later."), 503);
+        throw speechFailed();
     }
     const QString wav = work.filePath(QStringLiteral("clip.wav"));
     const QString mp3 = work.filePath(QStringLiteral("clip.mp3"));
@@ -150,7 +155,7 @@ QByteArray SpeechRenderer::renderUncached(const QString &text, const QString &vo
     const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     if (bytes.isEmpty()) {
         qWarning().noquote() << "speech: lame wrote no clip";
-        throw WriterError(QStringLiteral("Speech failed on this server. Try again later."), 503);
+        throw speechFailed();
     }
     return bytes;
 }

@@ -1,6 +1,7 @@
 // Limits on what one account makes the server do, over HTTP against a scripted language model:
 // writing streams running at once, model calls a minute, and the size of what goes into a
-// prompt (a word refused when too long, a pasted text cut to what is read).
+// prompt (a word refused when too long, a pasted text cut to what is read); and what a failing
+// model said reaches the log, not the learner.
 #include "api.h"
 #include "webserver.h"
 
@@ -20,6 +21,13 @@ public:
                                                            httplib::Response &res) {
             ++m_asked;
             m_lastSize = int(req.body.size());
+            if (m_failing) {
+                res.status = 500;
+                res.set_content(R"({"error": {"message": "cannot open /srv/models/m.gguf on )"
+                                R"(10.1.2.3: permission denied"}})",
+                                "application/json");
+                return;
+            }
             res.set_chunked_content_provider("text/event-stream", [this](size_t,
                                                                          httplib::DataSink &sink) {
                 while (m_held && !m_web.stopping())
@@ -45,12 +53,15 @@ public:
                 m_web.url("/v1"), "--llm-model", "m",   "--allow-private-fetch"};
     }
     void hold(bool held) { m_held = held; }
+    // Answers 500 with an error that names a file and an address.
+    void fail(bool failing) { m_failing = failing; }
     int asked() const { return m_asked; }
     int lastSize() const { return m_lastSize; }
 
 private:
     WebServer m_web;
     std::atomic<bool> m_held{false};
+    std::atomic<bool> m_failing{false};
     std::atomic<int> m_asked{0};
     std::atomic<int> m_lastSize{0};
 };
@@ -117,6 +128,30 @@ private slots:
                          QJsonObject{{"input", "Hund"}});
         QCOMPARE(theirs.status, 200);
         QVERIFY(theirs.types().contains("card"));
+    }
+
+    void aFailingModelsWordsStayInTheLog()
+    {
+        ScriptedModel model;
+        model.fail(true);
+        ServerProcess server(model.arguments());
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.join("rae@example.org");
+        const qint64 deck = api.deck().value("id").toInteger();
+        const Api::Stream written =
+            api.stream(path("/api/decks/%1/cards", deck), QJsonObject{{"input", "Hund"}});
+        QCOMPARE(written.status, 200);
+        QCOMPARE(written.events.last().value("type").toString(), QStringLiteral("error"));
+        const QString shown = written.events.last().value("error").toString();
+        QVERIFY2(shown.contains("answered 500"), qPrintable(shown));
+        const Api::Reply lesson =
+            api.post(path("/api/decks/%1/byte", deck), QJsonObject{{"topic", "greetings"}});
+        QCOMPARE(lesson.status, 503);
+        for (const QString &text : {shown, lesson.error()})
+            for (const char *secret : {"/srv/models", "10.1.2.3", "127.0.0.1", "permission"})
+                QVERIFY2(!text.contains(secret), qPrintable(text));
+        QTRY_VERIFY(server.log().contains("/srv/models/m.gguf"));
     }
 
     void promptsAreCapped()
