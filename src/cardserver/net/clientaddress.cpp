@@ -42,19 +42,20 @@ bool ClientAddress::trusted(const QString &peer) const
 
 QString ClientAddress::of(const Call &call) const
 {
-    QString peer = normalised(call.peerAddress());
-    if (peer.isEmpty())
-        peer = call.peerAddress();
-    if (!trusted(peer))
-        return peer;
+    QString client = normalised(call.peerAddress());
+    if (client.isEmpty())
+        return call.peerAddress();
+    // Walk back along the hops for as long as each was passed on by a trusted proxy.
     const QStringList hops = call.headers("X-Forwarded-For").join(u',').split(u',');
-    for (auto hop = hops.crbegin(); hop != hops.crend(); ++hop) {
+    for (auto hop = hops.crbegin(); hop != hops.crend() && trusted(client); ++hop) {
         if (hop->trimmed().isEmpty())
             continue;
-        const QString client = normalised(*hop);
-        return client.isEmpty() ? peer : client;
+        const QString earlier = normalised(*hop);
+        if (earlier.isEmpty())
+            break; // not an address: the proxy's peer is the best there is
+        client = earlier;
     }
-    return peer;
+    return client;
 }
 
 } // namespace cardserver

@@ -8,8 +8,9 @@ class Call;
 
 // The address a request came from, for limits keyed by client. That is the connection's peer,
 // unless the peer is a trusted reverse proxy (loopback always; others named with
-// --trusted-proxy): then it is the hop the proxy itself appended to X-Forwarded-For, the last
-// entry, since every entry before it is whatever the client chose to send.
+// --trusted-proxy): then it is the entry of X-Forwarded-For that proxy appended, and so on
+// back while that entry is itself a trusted proxy. Entries further left are whatever the
+// client chose to send, and are never believed.
 class ClientAddress {
 public:
     explicit ClientAddress(const QStringList &trustedProxies = {});

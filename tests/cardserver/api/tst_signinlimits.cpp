@@ -164,6 +164,25 @@ private slots:
                  200);
     }
 
+    void theClientIsFoundBehindAChainOfTrustedProxies()
+    {
+        ServerProcess server(
+            {"--local", "--login-delay-ms", "60000", "--trusted-proxy", "10.0.0.5"});
+        QVERIFY(startServer(server));
+        Api(server.baseUrl()).join("dan@example.org", "the right one");
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(
+                login(*client(server, "203.0.113.50, 10.0.0.5"), "dan@example.org", "guess").status,
+                401);
+        // The same client reaching the first proxy directly is the same client.
+        QCOMPARE(login(*client(server, "203.0.113.50"), "dan@example.org", "guess").status, 429);
+        // An untrusted hop in between is where belief stops.
+        QCOMPARE(
+            login(*client(server, "203.0.113.50, 10.0.0.6"), "dan@example.org", "the right one")
+                .status,
+            200);
+    }
+
     void theAddressIsCheckedFirst()
     {
         ServerProcess server({"--local", "--login-delay-ms", "60000"});
