@@ -1,5 +1,7 @@
 #include "benchserver.h"
 
+#include "processmemory.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <stdexcept>
@@ -71,11 +73,5 @@ std::string BenchServer::join(const std::string &email)
 
 qint64 BenchServer::peakMemory() const
 {
-    QFile status(QStringLiteral("/proc/%1/status").arg(m_process.processId()));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
-    return -1;
+    return peakResidentBytes(m_process.processId());
 }

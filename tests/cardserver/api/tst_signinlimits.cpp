@@ -4,10 +4,10 @@
 // before anything is looked up; password hashes run a few at a time, and a sign-in that finds no
 // free worker in time hears the server is busy.
 #include "api.h"
+#include "processmemory.h"
 
 #include <atomic>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 #include <thread>
@@ -53,18 +53,6 @@ std::unique_ptr<Api> client(const ServerProcess &server, const char *forwardedFo
     auto api = std::make_unique<Api>(server.baseUrl());
     api->setHeader("X-Forwarded-For", forwardedFor);
     return api;
-}
-
-// The peak resident memory of a process, in bytes (VmHWM of /proc/<pid>/status).
-qint64 peakMemory(qint64 pid)
-{
-    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
-    if (!status.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : status.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
-    return -1;
 }
 
 // Runs `count` sign-ins at once, each on a connection of its own; returns their statuses.
@@ -207,7 +195,7 @@ private slots:
         Api api(server.baseUrl());
         api.join("many@example.org", "the right one");
         QCOMPARE(login(api, "many@example.org", "the right one").status, 200);
-        const qint64 before = peakMemory(server.pid());
+        const qint64 before = peakResidentBytes(server.pid());
         QVERIFY(before > 0);
 
         QString busy;
@@ -217,7 +205,7 @@ private slots:
         // Two hashes of 64 MiB at most at once (one of them already in the peak before), with
         // room for the connections' own memory. AddressSanitizer keeps freed memory in
         // quarantine, so the figure means nothing there.
-        const qint64 after = peakMemory(server.pid());
+        const qint64 after = peakResidentBytes(server.pid());
         QVERIFY2(after - before < 2 * 64LL * 1024 * 1024 + 48LL * 1024 * 1024,
                  qPrintable(QStringLiteral("peak rose by %1 MiB").arg((after - before) >> 20)));
 #endif
