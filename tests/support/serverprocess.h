@@ -27,6 +27,8 @@ public:
     // The store this server uses (made by start()).
     TestDatabase &database() { return m_database; }
     QString errorText() const { return m_error; }
+    // The server's process id while it runs (for reading /proc/<pid>/status).
+    qint64 pid() const { return m_process.processId(); }
     // What the server wrote to its standard error so far (its log).
     QByteArray log();
 

@@ -43,7 +43,7 @@ std::optional<Account> AccountStore::one(const QString &where, const QVariant &k
 Account AccountStore::create(const QString &email, const QString &password,
                              const QString &displayName, bool confirmed)
 {
-    const QString hash = PasswordHasher::hash(password); // slow: outside the write lock
+    const QString hash = m_hasher.hash(password); // slow: outside the write lock
     Account a;
     m_db.write([&] {
         if (byEmail(email))
@@ -84,9 +84,21 @@ void AccountStore::confirm(qint64 userId)
 
 void AccountStore::setPassword(qint64 userId, const QString &password)
 {
-    const QString hash = PasswordHasher::hash(password);
+    const QString hash = m_hasher.hash(password);
     m_db.write([&] {
         Sql(m_db, "UPDATE users SET password_hash = ? WHERE id = ?").bind(hash).bind(userId).exec();
+        Sql(m_db, "DELETE FROM tokens WHERE user_id = ? AND kind = 'reset'").bind(userId).exec();
+    });
+}
+
+void AccountStore::purgeExpired()
+{
+    const qint64 now = Clock::nowSeconds();
+    m_db.write([&] {
+        for (const char *table : {"sessions", "tokens", "sign_in_codes"})
+            Sql(m_db, QStringLiteral("DELETE FROM %1 WHERE expires_at < ?").arg(table))
+                .bind(now)
+                .exec();
     });
 }
 

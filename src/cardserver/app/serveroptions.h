@@ -30,6 +30,20 @@ struct ServerOptions {
     // can make a store as an earlier release left it. -1: the latest.
     int testSchema = -1;
 
+    // Bounds on costly work. Durations are all here, so tests can shorten them.
+    bool noSignup = false;
+    int hashWorkers = defaultWorkers();   // password hashes at once (64 MiB each)
+    int speechWorkers = defaultWorkers(); // espeak-ng and lame processes at once
+    int queueWaitSeconds = 10;            // how long a hash or a clip queues before "busy"
+    int loginDelayMs = 1000;              // the first wait after repeated failed sign-ins
+    QStringList trustedProxies;           // peers whose X-Forwarded-For is believed
+    int streamsPerAccount = 4;            // event streams one account runs at once
+    int llmCallsPerMinute = 60;           // language-model calls one account makes a minute
+    int clipCacheMb = 512;                // spoken clips kept on disk
+    int purgeIntervalSeconds = 3600;      // how often expired sessions and tokens are dropped
+
+    static int defaultWorkers();
+
     bool help = false;
     QString error; // one-line reason when the command line is unusable
 

@@ -153,6 +153,17 @@ const QList<QList<Step>> &migrations()
             "ALTER TABLE media ADD COLUMN animated INTEGER NOT NULL DEFAULT 0",
         },
         {
+            // Failed sign-ins per subject (a digest of address, client IP or both); the time is
+            // in milliseconds since the epoch.
+            R"(CREATE TABLE login_failures (
+                subject TEXT PRIMARY KEY,
+                failures INTEGER NOT NULL,
+                last_failure BIGINT NOT NULL))",
+            "CREATE INDEX login_failures_last ON login_failures(last_failure)",
+            "CREATE INDEX tokens_expiry ON tokens(expires_at)",
+            "CREATE INDEX sessions_expiry ON sessions(expires_at)",
+        },
+        {
             // Addresses are matched without regard to ASCII case through a folded copy (what
             // SQLite's NOCASE did, and what PostgreSQL has no collation for). SQLite's lower()
             // folds ASCII only, as AccountStore does.

@@ -17,9 +17,27 @@ private slots:
     {
         const Run r = run({"--help"});
         QCOMPARE(r.code, 0);
-        for (const char *flag :
-             {"--listen", "--data", "--local", "--writer", "--llm-url", "--llm-model", "--database",
-              "--test-providers", "--help", "--migrate-only", "--check"})
+        for (const char *flag : {"--listen",
+                                 "--data",
+                                 "--local",
+                                 "--writer",
+                                 "--llm-url",
+                                 "--llm-model",
+                                 "--database",
+                                 "--test-providers",
+                                 "--help",
+                                 "--no-signup",
+                                 "--hash-workers",
+                                 "--speech-workers",
+                                 "--queue-wait",
+                                 "--login-delay-ms",
+                                 "--trusted-proxy",
+                                 "--streams-per-account",
+                                 "--llm-calls-per-minute",
+                                 "--clip-cache-mb",
+                                 "--purge-interval",
+                                 "--migrate-only",
+                                 "--check"})
             QVERIFY2(r.out.contains(flag), flag);
     }
 
@@ -31,6 +49,9 @@ private slots:
         QTest::newRow("bad listen") << QStringList{"--listen", "localhost"};
         QTest::newRow("bad port") << QStringList{"--listen", "127.0.0.1:70000"};
         QTest::newRow("bad writer") << QStringList{"--writer", "poet"};
+        QTest::newRow("no hash workers") << QStringList{"--hash-workers", "0"};
+        QTest::newRow("clip cache not a number") << QStringList{"--clip-cache-mb", "lots"};
+        QTest::newRow("proxy not an address") << QStringList{"--trusted-proxy", "proxy.lan"};
         QTest::newRow("missing value") << QStringList{"--data"};
         QTest::newRow("data is a file")
             << QStringList{"--listen", "127.0.0.1:0", "--data", "/etc/hostname"};
