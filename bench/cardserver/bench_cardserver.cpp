@@ -2,6 +2,8 @@
 //  - ListDecks: GET /api/decks with 100 decks, from 1, 4 and 16 keep-alive clients
 //    (items_per_second is requests per second over wall time; server_cpu_us_per_request
 //    is what each request cost the server, which holds however busy the machine is);
+//  - SignIns40: 40 sign-ins at once with 2 and with 40 password hashes allowed at once; the
+//    time they take and the rise of the server's peak memory;
 //  - CardStreams200: 200 card-writing streams with the dictionary writer opened at once;
 //    every stream's events are checked against the same word written alone (counters
 //    "lost_or_reordered" and "failed" must read 0);
@@ -111,7 +113,8 @@ void CardStreams200(benchmark::State &state)
 {
     const QList<std::string> words = {"Hund",   "Katze", "Haus",  "Baum",  "Garten",
                                       "Wetter", "Vogel", "Tisch", "Stuhl", "Fenster"};
-    BenchServer server;
+    // One account opens every stream, so its limit on streams at once is lifted.
+    BenchServer server({"--local", "--streams-per-account", "1000"});
     server.start();
     const std::string cookie = server.join("streams@bench.org");
     auto setup = server.client();
@@ -155,6 +158,34 @@ void CardStreams200(benchmark::State &state)
     state.counters["failed"] = benchmark::Counter(failed.load());
 }
 BENCHMARK(CardStreams200)->Iterations(3)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// 40 sign-ins at once with state.range(0) password hashes allowed at once: how long they all
+// take and how far the server's peak memory rises above what one sign-in left (64 MiB a hash).
+void SignIns40(benchmark::State &state)
+{
+    BenchServer server(
+        {"--local", "--hash-workers", QString::number(state.range(0)), "--queue-wait", "600"});
+    server.start();
+    server.join("many@bench.org");
+    const std::string body = R"({"email":"many@bench.org","password":"bench-password"})";
+    const qint64 before = server.peakMemory();
+    std::atomic<int> refused{0};
+    for (auto _ : state) {
+        std::vector<std::thread> clients;
+        for (int i = 0; i < 40; ++i)
+            clients.emplace_back([&] {
+                const auto in = server.client()->Post("/api/auth/login", body, "application/json");
+                if (!in || in->status != 200)
+                    ++refused;
+            });
+        for (std::thread &t : clients)
+            t.join();
+    }
+    state.counters["peak_rise_MiB"] =
+        benchmark::Counter(double(server.peakMemory() - before) / (1024.0 * 1024.0));
+    state.counters["refused"] = benchmark::Counter(refused.load());
+}
+BENCHMARK(SignIns40)->Arg(2)->Arg(40)->Iterations(1)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 void ColdStart(benchmark::State &state)
 {

@@ -1,5 +1,7 @@
 #include "benchserver.h"
 
+#include "processmemory.h"
+
 #include <QElapsedTimer>
 #include <QFile>
 #include <stdexcept>
@@ -67,4 +69,9 @@ std::string BenchServer::join(const std::string &email)
         throw std::runtime_error("sign-in failed");
     const std::string set = in->get_header_value("Set-Cookie");
     return set.substr(0, set.find(';'));
+}
+
+qint64 BenchServer::peakMemory() const
+{
+    return peakResidentBytes(m_process.processId());
 }

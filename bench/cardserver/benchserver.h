@@ -25,6 +25,8 @@ public:
     // CPU time the server process has used so far (user + system), in microseconds: a figure
     // that does not depend on what else the machine is doing.
     qint64 cpuMicros() const;
+    // The server process's peak resident memory so far (VmHWM), in bytes.
+    qint64 peakMemory() const;
 
 private:
     QStringList m_extra;

@@ -6,6 +6,7 @@
 namespace cardserver {
 
 class Database;
+class PasswordHasher;
 
 // Accounts, their one-time tokens (address confirmation, password reset), sessions and
 // provider sign-in codes. Sessions are 256-bit random ids; only their digest is stored.
@@ -15,7 +16,7 @@ class AccountStore {
 public:
     static constexpr qint64 SessionSeconds = 30LL * 24 * 3600;
 
-    explicit AccountStore(Database &db) : m_db(db) {}
+    AccountStore(Database &db, PasswordHasher &hasher) : m_db(db), m_hasher(hasher) {}
 
     // Throws ApiError 409 when the address is taken.
     Account create(const QString &email, const QString &password, const QString &displayName,
@@ -23,6 +24,8 @@ public:
     std::optional<Account> byEmail(const QString &email);
     std::optional<Account> byId(qint64 id);
     void confirm(qint64 userId);
+    // Also ends every password-reset link of the account: one sent before the change must
+    // not undo it.
     void setPassword(qint64 userId, const QString &password);
 
     // Tokens of a kind ("confirm", "reset"); taking one consumes it.
@@ -35,6 +38,9 @@ public:
     void endSession(const QString &token);
     void endSessionsExcept(qint64 userId, const QString &keepToken);
 
+    // Drops expired sessions, tokens and sign-in codes.
+    void purgeExpired();
+
     QString issueSignInCode(qint64 userId);
     qint64 takeSignInCode(const QString &code);
     // The confirmed account that a test provider signs in as.
@@ -44,6 +50,7 @@ private:
     std::optional<Account> one(const QString &sql, const QVariant &key);
 
     Database &m_db;
+    PasswordHasher &m_hasher;
 };
 
 } // namespace cardserver

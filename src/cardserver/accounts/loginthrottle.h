@@ -1,31 +1,41 @@
 #pragma once
-#include <mutex>
-#include <QHash>
-#include <QList>
+#include <chrono>
 #include <QString>
 
 namespace cardserver {
 
-// Counts failed sign-ins per address over a sliding minute. After `limit` failures within
-// the window, further attempts for that address are refused until the oldest failure ages
-// out, whatever the password.
+class Database;
+
+// Failed sign-ins, counted in the store (so every server process on it sees them) under three
+// keys: the address with the client's IP, the client's IP alone, and the address alone. Each
+// key lets a few failures through, then makes every further attempt wait twice as long as the
+// last (firstDelay, 2×, 4×, … up to a cap). An attempt made before its wait is over is refused
+// without being checked or counted. The address alone lets the most failures through and caps
+// its wait lowest: someone else's failures from elsewhere delay the owner of an address a
+// little, never lock them out. Counters quiet for a while are forgotten.
 class LoginThrottle {
 public:
-    explicit LoginThrottle(int limit = 10, qint64 windowMs = 60'000)
-        : m_limit(limit), m_windowMs(windowMs)
-    {}
+    LoginThrottle(Database &db, std::chrono::milliseconds firstDelay);
 
-    bool blocked(const QString &email);
-    void failed(const QString &email);
-    void succeeded(const QString &email);
+    // How long this attempt must still wait; zero when it may go ahead.
+    std::chrono::milliseconds waitBefore(const QString &email, const QString &client);
+    void failed(const QString &email, const QString &client);
+    // A correct password: the address's counters start again (the client's own IP keeps its
+    // count, so one's own account cannot launder guesses at others).
+    void succeeded(const QString &email, const QString &client);
+    // Drops counters quiet for longer than they are remembered.
+    void purge();
 
 private:
-    void prune(QList<qint64> &times, qint64 now) const;
+    struct Rule {
+        int free;        // failures with no wait after them
+        qint64 capSteps; // the longest wait, in units of firstDelay
+    };
+    qint64 waitFor(const Rule &rule, qint64 failures, qint64 lastFailureMs, qint64 nowMs) const;
+    qint64 forgetAfterMs() const;
 
-    int m_limit;
-    qint64 m_windowMs;
-    std::mutex m_lock;
-    QHash<QString, QList<qint64>> m_failures;
+    Database &m_db;
+    qint64 m_firstDelayMs;
 };
 
 } // namespace cardserver

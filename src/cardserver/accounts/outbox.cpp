@@ -10,7 +10,7 @@
 
 namespace cardserver {
 
-Outbox::Outbox(QString dir) : m_dir(std::move(dir))
+Outbox::Outbox(QString dir, bool logLinks) : m_dir(std::move(dir)), m_logLinks(logLinks)
 {
     QDir().mkpath(m_dir);
 }
@@ -33,8 +33,12 @@ QString Outbox::post(const QString &to, const QString &subject, const QString &b
                                     .arg(to, subject, Clock::nowText(), body);
         file.write(message.toUtf8());
     }
-    std::fprintf(stderr, "mail to %s: %s — %s\n", qPrintable(to), qPrintable(subject),
-                 qPrintable(link));
+    if (m_logLinks)
+        std::fprintf(stderr, "mail to %s: %s — %s\n", qPrintable(to), qPrintable(subject),
+                     qPrintable(link));
+    else
+        std::fprintf(stderr, "mail to %s: %s — written to %s\n", qPrintable(to),
+                     qPrintable(subject), qPrintable(name));
     std::fflush(stderr);
     return path;
 }

@@ -5,11 +5,13 @@
 namespace cardserver {
 
 // Outgoing mail. The server sends no mail itself: each message is written as a file under
-// <data>/outbox/ (for a mail relay or the person running the server to pick up) and its
-// link is logged on standard error.
+// <data>/outbox/ (for a mail relay or the person running the server to pick up) and noted on
+// standard error. The link itself (a confirmation or a password reset, as good as the
+// account) reaches the log only when `logLinks` is set: a one-person machine (--local),
+// where whoever reads the log is the learner.
 class Outbox {
 public:
-    explicit Outbox(QString dir);
+    Outbox(QString dir, bool logLinks);
 
     // Writes the message and returns the file's path.
     QString post(const QString &to, const QString &subject, const QString &body,
@@ -17,6 +19,7 @@ public:
 
 private:
     QString m_dir;
+    bool m_logLinks;
     std::mutex m_lock;
     int m_sequence = 0;
 };

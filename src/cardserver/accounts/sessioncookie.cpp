@@ -20,25 +20,26 @@ QString SessionCookie::read(const Call &call)
     return QString();
 }
 
-bool SessionCookie::overHttps(const Call &call)
+bool SessionCookie::overHttps(const Call &call, const QString &publicUrl)
 {
-    return call.header("X-Forwarded-Proto").toLower() == QLatin1String("https");
+    return publicUrl.startsWith(QLatin1String("https://"), Qt::CaseInsensitive) ||
+           call.header("X-Forwarded-Proto").toLower() == QLatin1String("https");
 }
 
-std::string SessionCookie::set(const QString &token, const Call &call)
+std::string SessionCookie::set(const QString &token, const Call &call, const QString &publicUrl)
 {
     std::string c =
         std::string(Name) + "=" + token.toStdString() +
         "; Path=/; HttpOnly; SameSite=Lax; Max-Age=" + std::to_string(AccountStore::SessionSeconds);
-    if (overHttps(call))
+    if (overHttps(call, publicUrl))
         c += "; Secure";
     return c;
 }
 
-std::string SessionCookie::cleared(const Call &call)
+std::string SessionCookie::cleared(const Call &call, const QString &publicUrl)
 {
     std::string c = std::string(Name) + "=; Path=/; HttpOnly; SameSite=Lax; Max-Age=0";
-    if (overHttps(call))
+    if (overHttps(call, publicUrl))
         c += "; Secure";
     return c;
 }

@@ -1,8 +1,10 @@
 #include "app/cardserver.h"
 
 #include "accounts/accountstore.h"
+#include "accounts/expirypurge.h"
 #include "accounts/loginthrottle.h"
 #include "accounts/outbox.h"
+#include "accounts/passwordhasher.h"
 #include "accounts/sessioncookie.h"
 #include "app/services.h"
 #include "http/call.h"
@@ -10,8 +12,11 @@
 #include "http/router.h"
 #include "library/cardstore.h"
 #include "library/deckstore.h"
+#include "limits/callrate.h"
+#include "limits/streamslots.h"
 #include "media/mediastore.h"
 #include "net/addresspolicy.h"
+#include "net/clientaddress.h"
 #include "notes/notestore.h"
 #include "routes/authroutes.h"
 #include "routes/cardroutes.h"
@@ -36,21 +41,6 @@
 namespace cardserver {
 
 namespace {
-
-QString storePath(const ServerOptions &o)
-{
-    if (o.database.isEmpty())
-        return QDir(o.dataDir).filePath(QStringLiteral("orvel.sqlite"));
-    if (o.database.startsWith(QLatin1String("postgres")))
-        throw std::runtime_error("--database postgresql:// is not supported in this build; "
-                                 "leave --database out to use SQLite");
-    if (o.database.startsWith(QLatin1String("sqlite://")))
-        return o.database.mid(9);
-    if (o.database.contains(QLatin1String("://")))
-        throw std::runtime_error(
-            ("--database: unknown kind of store \"" + o.database + "\"").toStdString());
-    return o.database;
-}
 
 void prepareDataDir(const QString &dir)
 {
@@ -93,15 +83,21 @@ CardServer::~CardServer()
 {
     // The HTTP server's threads go first: they use everything else.
     m_http.reset();
+    m_purge.reset();
 }
 
 void CardServer::start()
 {
     prepareDataDir(m_options.dataDir);
-    m_db = std::make_unique<Database>(storePath(m_options));
+    m_db = std::make_unique<Database>(StoreAddress::parse(m_options.database, m_options.dataDir));
     m_db->open();
 
+    const std::chrono::seconds queueWait(m_options.queueWaitSeconds);
+    m_speech = std::make_unique<SpeechRenderer>(QDir(m_options.dataDir).filePath("clips"),
+                                                qint64(m_options.clipCacheMb) * 1024 * 1024,
+                                                m_options.speechWorkers, queueWait);
     WriterConfig config;
+    config.tools = &m_speech->tools();
     config.kind = m_options.writer;
     config.llmUrl = m_options.llmUrl;
     config.llmModel = m_options.llmModel;
@@ -113,11 +109,21 @@ void CardServer::start()
     } catch (const WriterError &e) {
         throw std::runtime_error(e.what());
     }
-    m_speech = std::make_unique<SpeechRenderer>(QDir(m_options.dataDir).filePath("clips"));
 
-    m_accounts = std::make_unique<AccountStore>(*m_db);
-    m_throttle = std::make_unique<LoginThrottle>();
-    m_outbox = std::make_unique<Outbox>(QDir(m_options.dataDir).filePath("outbox"));
+    m_hasher = std::make_unique<PasswordHasher>(m_options.hashWorkers, queueWait);
+    m_accounts = std::make_unique<AccountStore>(*m_db, *m_hasher);
+    m_throttle =
+        std::make_unique<LoginThrottle>(*m_db, std::chrono::milliseconds(m_options.loginDelayMs));
+    m_purge = std::make_unique<ExpiryPurge>(*m_accounts, *m_throttle,
+                                            std::chrono::seconds(m_options.purgeIntervalSeconds));
+    m_outbox =
+        std::make_unique<Outbox>(QDir(m_options.dataDir).filePath("outbox"), m_options.local);
+    m_clientAddress = std::make_unique<ClientAddress>(m_options.trustedProxies);
+    m_streams = std::make_unique<StreamSlots>(m_options.streamsPerAccount);
+    // Only a language model's calls are counted: the dictionary costs nothing to ask.
+    m_modelCalls = std::make_unique<CallRate>(
+        m_writer->name() == QLatin1String("llm") ? m_options.llmCallsPerMinute : 0,
+        std::chrono::minutes(1));
     m_decks = std::make_unique<DeckStore>(*m_db);
     m_cards = std::make_unique<CardStore>(*m_db);
     m_notes = std::make_unique<NoteStore>(*m_db);
@@ -125,7 +131,8 @@ void CardServer::start()
     m_preferences = std::make_unique<PreferencesStore>(*m_db, m_speech->available());
     m_services.reset(new Services{m_options, *m_db, *m_accounts, *m_throttle, *m_outbox, *m_decks,
                                   *m_cards, *m_notes, *m_media, *m_preferences, *m_writer,
-                                  *m_speech, QString()});
+                                  *m_speech, *m_hasher, *m_clientAddress, *m_streams, *m_modelCalls,
+                                  QString()});
 
     HttpLimits limits;
     limits.maxBodyBytes = size_t(MediaRoutes::MaxBytes);
@@ -182,7 +189,7 @@ void CardServer::installRoutes()
         bool refreshed = false;
         const qint64 userId = m_accounts->sessionUser(token, &refreshed);
         if (refreshed)
-            call.setHeader("Set-Cookie", SessionCookie::set(token, call));
+            call.setHeader("Set-Cookie", SessionCookie::set(token, call, m_services->publicUrl));
         return userId;
     });
     AuthRoutes::install(router, *m_services);

@@ -6,6 +6,11 @@
 namespace cardserver {
 
 class AccountStore;
+class CallRate;
+class ClientAddress;
+class ExpiryPurge;
+class PasswordHasher;
+class StreamSlots;
 class CardStore;
 class Database;
 class DeckStore;
@@ -54,6 +59,11 @@ private:
     std::unique_ptr<PreferencesStore> m_preferences;
     std::unique_ptr<Writer> m_writer;
     std::unique_ptr<SpeechRenderer> m_speech;
+    std::unique_ptr<PasswordHasher> m_hasher;
+    std::unique_ptr<ClientAddress> m_clientAddress;
+    std::unique_ptr<StreamSlots> m_streams;
+    std::unique_ptr<CallRate> m_modelCalls;
+    std::unique_ptr<ExpiryPurge> m_purge;
     std::unique_ptr<Services> m_services;
     std::unique_ptr<HttpServer> m_http;
 };

@@ -1,9 +1,13 @@
 #include "app/serveroptions.h"
 
 #include "net/addresspolicy.h"
+#include "net/clientaddress.h"
 
+#include <algorithm>
+#include <optional>
 #include <QDir>
 #include <QProcessEnvironment>
+#include <thread>
 
 namespace cardserver {
 
@@ -18,7 +22,48 @@ QString defaultDataDir()
     return base + QStringLiteral("/orvel-server");
 }
 
+// A whole number from `low` to `high`, or nothing.
+std::optional<int> number(const QString &value, int low, int high)
+{
+    bool ok = false;
+    const int n = value.toInt(&ok);
+    if (!ok || n < low || n > high)
+        return std::nullopt;
+    return n;
+}
+
+struct Bound {
+    const char *flag;
+    int ServerOptions::*field;
+    int low;
+    int high;
+    const char *unit;
+};
+
+// The flags that take one whole number.
+const Bound Bounds[] = {
+    {"--fetch-timeout", &ServerOptions::fetchTimeoutSeconds, 1, 600, "seconds"},
+    {"--hash-workers", &ServerOptions::hashWorkers, 1, 256, "workers"},
+    {"--speech-workers", &ServerOptions::speechWorkers, 1, 256, "workers"},
+    {"--queue-wait", &ServerOptions::queueWaitSeconds, 0, 600, "seconds"},
+    {"--login-delay-ms", &ServerOptions::loginDelayMs, 1, 600'000, "milliseconds"},
+    {"--streams-per-account", &ServerOptions::streamsPerAccount, 1, 1000, "streams"},
+    {"--llm-calls-per-minute", &ServerOptions::llmCallsPerMinute, 1, 100'000, "calls"},
+    {"--clip-cache-mb", &ServerOptions::clipCacheMb, 1, 1'000'000, "MB"},
+    {"--purge-interval", &ServerOptions::purgeIntervalSeconds, 1, 604'800, "seconds"},
+    {"--max-connections", &ServerOptions::maxConnections, 1, 1'000'000, "connections"},
+    {"--idle-timeout", &ServerOptions::idleTimeoutSeconds, 1, 3600, "seconds"},
+    {"--read-timeout", &ServerOptions::readTimeoutSeconds, 1, 600, "seconds"},
+    {"--request-threads", &ServerOptions::requestThreads, 1, 1024, "threads"},
+    {"--stream-threads", &ServerOptions::streamThreads, 1, 4096, "threads"},
+};
+
 } // namespace
+
+int ServerOptions::defaultWorkers()
+{
+    return std::max(1, int(std::thread::hardware_concurrency()));
+}
 
 QString ServerOptions::usage()
 {
@@ -31,19 +76,40 @@ QString ServerOptions::usage()
         "http://HOST:PORT\".\n"
         "  --data DIR           folder for the store, pictures, outgoing mail and the clip cache\n"
         "                       (default $XDG_DATA_HOME/orvel-server)\n"
-        "  --local              one-person machine: sign-up confirms the address at once (the\n"
-        "                       confirmation link is still written to the outbox and the log)\n"
+        "  --local              one-person machine: sign-up confirms the address at once, and\n"
+        "                       mailed links are written to the log as well as the outbox\n"
         "  --writer KIND        who writes cards: dictionary (default, offline, FreeDict) or llm\n"
         "  --llm-url URL        OpenAI-compatible chat-completions endpoint for --writer llm\n"
         "                       (the key is read from ORVEL_LLM_KEY)\n"
         "  --llm-model NAME     model to ask for with --writer llm\n"
         "  --dictionaries DIR   where the FreeDict dictionaries are (default /usr/share/dictd)\n"
         "  --database URL       store location: a SQLite file path or sqlite://PATH (default\n"
-        "                       DIR/orvel.sqlite); postgresql:// needs a build with QPSQL\n"
+        "                       DIR/orvel.sqlite), or postgresql://USER@HOST:PORT/DB (the\n"
+        "                       password from ORVEL_DATABASE_PASSWORD or ~/.pgpass; a Unix\n"
+        "                       socket folder as ?host=/path)\n"
+        "  --migrate-only       bring the store's schema up to date, print its version, exit\n"
+        "  --check              check that the store is reachable and its schema current;\n"
+        "                       exit 0 if so, 1 if not, with one line saying which\n"
         "  --allow-private-fetch  let outgoing requests reach loopback, link-local and private\n"
         "                       addresses (for a language model on this machine or network);\n"
         "                       without it picture imports from such addresses are refused\n"
         "  --fetch-timeout SECONDS  deadline for fetching one picture (default 20)\n"
+        "  --no-signup          take no new accounts: sign-up is refused\n"
+        "  --hash-workers N     password hashes at once, 64 MiB each (default: one a core)\n"
+        "  --speech-workers N   espeak-ng and lame processes at once (default: one a core)\n"
+        "  --queue-wait SECONDS how long a sign-in or a clip waits for a free worker before\n"
+        "                       the answer is 503 \"busy\" (default 10)\n"
+        "  --login-delay-ms MS  the first wait after repeated failed sign-ins; each further\n"
+        "                       failure doubles it (default 1000)\n"
+        "  --trusted-proxy ADDRESS  a reverse proxy whose X-Forwarded-For names the client\n"
+        "                       (repeatable; loopback is always trusted)\n"
+        "  --streams-per-account N  writing streams one account runs at once (default 4)\n"
+        "  --llm-calls-per-minute N  language-model calls one account makes a minute\n"
+        "                       (default 60)\n"
+        "  --clip-cache-mb MB   disk kept for spoken clips; the least recently used go first\n"
+        "                       (default 512)\n"
+        "  --purge-interval SECONDS  how often expired sessions, links and sign-in counters\n"
+        "                       are dropped (default 3600; also at start)\n"
         "  --max-connections N  connections open at once (default 10000; more are answered 503\n"
         "                       \"busy\" and closed); capped by the open-file limit\n"
         "  --idle-timeout SECONDS  a kept-alive connection with no request is closed after this\n"
@@ -77,11 +143,16 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
             arg = arg.left(eq);
             inlineValue = true;
         }
-        const QStringList withValue = {"--listen",          "--data",          "--writer",
-                                       "--llm-url",         "--llm-model",     "--database",
-                                       "--dictionaries",    "--fetch-timeout", "--test-public-host",
-                                       "--max-connections", "--idle-timeout",  "--read-timeout",
-                                       "--request-threads", "--stream-threads"};
+        QStringList withValue = {
+            "--listen",        "--data",       "--writer",       "--llm-url",
+            "--llm-model",     "--database",   "--dictionaries", "--test-public-host",
+            "--trusted-proxy", "--test-schema"};
+        for (const Bound &b : Bounds)
+            withValue.append(QLatin1String(b.flag));
+        const Bound *bound = nullptr;
+        for (const Bound &b : Bounds)
+            if (arg == QLatin1String(b.flag))
+                bound = &b;
         if (withValue.contains(arg) && !inlineValue) {
             if (i + 1 >= arguments.size())
                 return fail(arg + QStringLiteral(" needs a value"));
@@ -89,49 +160,40 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
         } else if (!withValue.contains(arg) && inlineValue) {
             return fail(arg + QStringLiteral(" takes no value"));
         }
-        if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
+        if (bound) {
+            const std::optional<int> n = number(value, bound->low, bound->high);
+            if (!n)
+                return fail(QStringLiteral("%1 wants %2 to %3 %4, got \"%5\"")
+                                .arg(arg)
+                                .arg(bound->low)
+                                .arg(bound->high)
+                                .arg(QLatin1String(bound->unit), value));
+            o.*(bound->field) = *n;
+        } else if (arg == QLatin1String("--help") || arg == QLatin1String("-h")) {
             o.help = true;
         } else if (arg == QLatin1String("--local")) {
             o.local = true;
+        } else if (arg == QLatin1String("--no-signup")) {
+            o.noSignup = true;
         } else if (arg == QLatin1String("--test-providers")) {
             o.testProviders = true;
+        } else if (arg == QLatin1String("--migrate-only")) {
+            o.migrateOnly = true;
+        } else if (arg == QLatin1String("--check")) {
+            o.check = true;
+        } else if (arg == QLatin1String("--test-schema")) {
+            bool ok = false;
+            o.testSchema = value.toInt(&ok);
+            if (!ok || o.testSchema < 0)
+                return fail(
+                    QStringLiteral("--test-schema wants a schema version, got \"%1\"").arg(value));
         } else if (arg == QLatin1String("--allow-private-fetch")) {
             o.allowPrivateFetch = true;
-        } else if (arg == QLatin1String("--fetch-timeout")) {
-            bool ok = false;
-            const int seconds = value.toInt(&ok);
-            if (!ok || seconds < 1 || seconds > 600)
-                return fail(QStringLiteral("--fetch-timeout wants 1 to 600 seconds, got \"%1\"")
+        } else if (arg == QLatin1String("--trusted-proxy")) {
+            if (ClientAddress::normalised(value).isEmpty())
+                return fail(QStringLiteral("--trusted-proxy wants a numeric IP address, got \"%1\"")
                                 .arg(value));
-            o.fetchTimeoutSeconds = seconds;
-        } else if (arg == QLatin1String("--max-connections") ||
-                   arg == QLatin1String("--idle-timeout") ||
-                   arg == QLatin1String("--read-timeout") ||
-                   arg == QLatin1String("--request-threads") ||
-                   arg == QLatin1String("--stream-threads")) {
-            struct Bound {
-                const char *name;
-                int low, high;
-                int *into;
-            };
-            const Bound bounds[] = {{"--max-connections", 1, 1000000, &o.maxConnections},
-                                    {"--idle-timeout", 1, 3600, &o.idleTimeoutSeconds},
-                                    {"--read-timeout", 1, 600, &o.readTimeoutSeconds},
-                                    {"--request-threads", 1, 1024, &o.requestThreads},
-                                    {"--stream-threads", 1, 4096, &o.streamThreads}};
-            for (const Bound &b : bounds) {
-                if (arg != QLatin1String(b.name))
-                    continue;
-                bool ok = false;
-                const int n = value.toInt(&ok);
-                if (!ok || n < b.low || n > b.high)
-                    return fail(QStringLiteral("%1 wants %2 to %3, got \"%4\"")
-                                    .arg(arg)
-                                    .arg(b.low)
-                                    .arg(b.high)
-                                    .arg(value));
-                *b.into = n;
-            }
+            o.trustedProxies.append(value);
         } else if (arg == QLatin1String("--test-public-host")) {
             if (!AddressPolicy().addPublicHost(value))
                 return fail(
@@ -168,6 +230,10 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
             return fail(QStringLiteral("unknown option \"%1\" (see --help)").arg(arguments.at(i)));
         }
     }
+    if (o.migrateOnly && o.check)
+        return fail(QStringLiteral("--migrate-only and --check do not go together"));
+    if (o.testSchema >= 0 && !o.migrateOnly)
+        return fail(QStringLiteral("--test-schema goes with --migrate-only"));
     return o;
 }
 

@@ -4,6 +4,10 @@
 namespace cardserver {
 
 class AccountStore;
+class CallRate;
+class ClientAddress;
+class PasswordHasher;
+class StreamSlots;
 class CardStore;
 class Database;
 class DeckStore;
@@ -30,6 +34,10 @@ struct Services {
     PreferencesStore &preferences;
     Writer &writer;
     SpeechRenderer &speech;
+    PasswordHasher &hasher;
+    const ClientAddress &clientAddress; // who a request came from, for sign-in limits
+    StreamSlots &streams;               // event streams each account runs at once
+    CallRate &modelCalls;               // language-model calls each account makes a minute
     // Where learners reach this server, for links in mail: ORVEL_PUBLIC_URL when set (a
     // deployment behind a proxy), else the address it listens on. Never taken from a
     // request's Host header, which anyone can forge to steal a reset link.

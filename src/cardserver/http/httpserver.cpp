@@ -1,6 +1,6 @@
 #include "http/httpserver.h"
 
-#include "http/connection.h"
+#include "http/httpconnection.h"
 #include "http/serverstate.h"
 
 #include <algorithm>
@@ -130,7 +130,7 @@ void HttpServer::run()
 void HttpServer::stop()
 {
     const bool first = !d->stopping.exchange(true);
-    std::vector<std::shared_ptr<Connection>> open;
+    std::vector<std::shared_ptr<HttpConnection>> open;
     {
         std::lock_guard lock(d->registryLock);
         for (auto &[key, weak] : d->channels)

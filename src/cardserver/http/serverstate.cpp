@@ -1,6 +1,6 @@
 #include "http/serverstate.h"
 
-#include "http/connection.h"
+#include "http/httpconnection.h"
 #include "http/urldecoding.h"
 
 #include <array>
@@ -48,7 +48,7 @@ void ServerState::take(tcp::socket socket)
     if (connections.load() >= limits.maxConnections)
         refuse(std::move(socket));
     else
-        std::make_shared<Connection>(*this, std::move(socket))->start();
+        std::make_shared<HttpConnection>(*this, std::move(socket))->start();
 }
 
 namespace {

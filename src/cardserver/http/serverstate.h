@@ -15,7 +15,7 @@
 
 namespace cardserver {
 
-class Connection;
+class HttpConnection;
 
 // Everything the server's connections share: the limits, the routes, the counters, the I/O
 // context with its listening socket, and the two pools (routes, event streams' jobs).
@@ -42,7 +42,7 @@ struct ServerState {
     std::atomic<long long> refused{0};
     std::atomic<bool> stopping{false};
     std::mutex registryLock;
-    std::unordered_map<Connection *, std::weak_ptr<Connection>> connectionsOpen;
+    std::unordered_map<HttpConnection *, std::weak_ptr<HttpConnection>> connectionsOpen;
     std::unordered_map<StreamChannel *, std::weak_ptr<StreamChannel>> channels;
 
     boost::asio::io_context ioc;

@@ -10,6 +10,7 @@
 #include "app/services.h"
 #include "http/apierror.h"
 #include "http/router.h"
+#include "net/clientaddress.h"
 
 #include <QRegularExpression>
 #include <QUrl>
@@ -24,11 +25,16 @@ constexpr qint64 ResetSeconds = 3600;
 
 using Access = Router::Access;
 
+bool emailShaped(const QString &email)
+{
+    static const QRegularExpression shape(QStringLiteral("^[^@\\s]+@[^@\\s]+\\.[^@\\s]+$"));
+    return email.size() <= 254 && shape.match(email).hasMatch();
+}
+
 QString checkedEmail(const QString &raw)
 {
     const QString email = raw.trimmed();
-    static const QRegularExpression shape(QStringLiteral("^[^@\\s]+@[^@\\s]+\\.[^@\\s]+$"));
-    if (email.size() > 254 || !shape.match(email).hasMatch())
+    if (!emailShaped(email))
         throw ApiError::invalid(QStringLiteral("Enter a valid email address."));
     return email;
 }
@@ -55,7 +61,7 @@ void sendConfirmation(Services &s, const Account &a)
 void signIn(Call &call, Services &s, const Account &a)
 {
     const QString token = s.accounts.startSession(a.id);
-    call.setHeader("Set-Cookie", SessionCookie::set(token, call));
+    call.setHeader("Set-Cookie", SessionCookie::set(token, call, s.publicUrl));
     call.reply(a.json());
 }
 
@@ -66,10 +72,13 @@ void AuthRoutes::install(Router &router, Services &s)
     router.get(R"(/api/auth/options)", Access::Public, [&s](Call &call) {
         call.reply(QJsonObject{{"google", s.options.testProviders},
                                {"apple", s.options.testProviders},
-                               {"signup", true}});
+                               {"signup", !s.options.noSignup}});
     });
 
     router.post(R"(/api/auth/signup)", Access::Public, [&s](Call &call) {
+        if (s.options.noSignup)
+            throw ApiError(403, QStringLiteral("This server takes no new accounts. Ask the person "
+                                               "who runs it to make one for you."));
         const RequestBody body = call.body();
         const QString email = checkedEmail(body.string("email"));
         const QString password = body.string("password");
@@ -93,26 +102,34 @@ void AuthRoutes::install(Router &router, Services &s)
     });
 
     router.post(R"(/api/auth/login)", Access::Public, [&s](Call &call) {
+        // The address's shape first: nothing is looked up or hashed for one that cannot be.
         const RequestBody body = call.body();
-        const QString email = body.string("email").trimmed();
+        const QString email = checkedEmail(body.string("email"));
         const QString password = body.string("password");
-        if (s.throttle.blocked(email))
-            throw ApiError(429, QStringLiteral("Too many tries. Wait a minute, then try again."));
+        if (password.size() > 1024)
+            throw ApiError::invalid(QStringLiteral("That password is too long."));
+        const QString client = s.clientAddress.of(call);
+        if (const auto wait = s.throttle.waitBefore(email, client); wait.count() > 0) {
+            const qint64 seconds = (wait.count() + 999) / 1000;
+            call.setHeader("Retry-After", std::to_string(seconds));
+            throw ApiError(429, QStringLiteral("Too many tries. Wait %1 %2, then try again.")
+                                    .arg(seconds)
+                                    .arg(seconds == 1 ? "second" : "seconds"));
+        }
         const auto account = s.accounts.byEmail(email);
         // An unknown address costs the same hashing time as a wrong password, so the answer's
         // timing does not tell which addresses have accounts.
-        static const QString decoy = PasswordHasher::hash(QStringLiteral("decoy password"));
         const bool matches =
-            PasswordHasher::verify(account ? account->passwordHash : decoy, password);
+            s.hasher.verify(account ? account->passwordHash : s.hasher.decoy(), password);
         if (!account || !matches) {
-            s.throttle.failed(email);
+            s.throttle.failed(email, client);
             throw ApiError(401, QStringLiteral("That email and password don’t match."));
         }
+        s.throttle.succeeded(email, client);
         if (!account->confirmed)
             throw ApiError(403, QStringLiteral("Confirm your address first: open the link we "
                                                "sent to %1.")
                                     .arg(account->email));
-        s.throttle.succeeded(email);
         signIn(call, s, *account);
     });
 
@@ -120,7 +137,7 @@ void AuthRoutes::install(Router &router, Services &s)
         const QString token = SessionCookie::read(call);
         if (!token.isEmpty())
             s.accounts.endSession(token);
-        call.setHeader("Set-Cookie", SessionCookie::cleared(call));
+        call.setHeader("Set-Cookie", SessionCookie::cleared(call, s.publicUrl));
         call.reply(QJsonObject{{"ok", true}});
     });
 
@@ -162,7 +179,7 @@ void AuthRoutes::install(Router &router, Services &s)
         const QString current = body.string("current");
         const QString next = body.string("next");
         const auto account = s.accounts.byId(call.userId);
-        if (!account || !PasswordHasher::verify(account->passwordHash, current))
+        if (!account || !s.hasher.verify(account->passwordHash, current))
             throw ApiError(403, QStringLiteral("Your current password is not right."));
         checkPassword(next);
         s.accounts.setPassword(call.userId, next);
@@ -188,7 +205,8 @@ void AuthRoutes::install(Router &router, Services &s)
 
     router.post(R"(/app/forgot)", Access::Public, [&s](Call &call) {
         const QString email = call.query("email").trimmed();
-        if (const auto a = s.accounts.byEmail(email)) {
+        // The page is the same either way; an address that cannot be one is not looked up.
+        if (const auto a = emailShaped(email) ? s.accounts.byEmail(email) : std::nullopt) {
             const QString token = s.accounts.issueToken(a->id, "reset", ResetSeconds);
             const QString link = s.publicUrl + "/app?reset=" + token;
             s.outbox.post(a->email, QStringLiteral("Choose a new password for orvel"),
@@ -204,9 +222,11 @@ void AuthRoutes::install(Router &router, Services &s)
     router.post(R"(/app/reset)", Access::Public, [&s](Call &call) {
         const QString token = call.query("token");
         const QString password = call.query("password");
-        if (password.size() < 8) {
+        if (password.size() < 8 || password.size() > 1024) {
             call.html(AccountPages::resetForm(
-                          token, QStringLiteral("Choose a password of at least 8 characters.")),
+                          token, password.size() < 8
+                                     ? QStringLiteral("Choose a password of at least 8 characters.")
+                                     : QStringLiteral("That password is too long.")),
                       422);
             return;
         }

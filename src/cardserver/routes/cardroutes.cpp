@@ -6,6 +6,8 @@
 #include "http/router.h"
 #include "library/cardstore.h"
 #include "library/deckstore.h"
+#include "limits/callrate.h"
+#include "routes/streamjob.h"
 #include "writers/writer.h"
 
 #include <QSet>
@@ -76,14 +78,16 @@ void CardRoutes::install(Router &router, Services &s)
     router.post(R"(/api/decks/(\d+)/cards)", Access::SignedIn, [&s](Call &call) {
         const DeckInfo deck = s.decks.info(call.userId, call.id(1));
         const QString input = checkedInput(call.body().string("input"));
-        EventStream::start(call, [&s, deck, input](EventStream &stream) {
-            try {
-                const QJsonObject card = writeAndStore(s, deck, input, streamedProgress(stream));
-                stream.send(with(event("card"), "card", card));
-            } catch (const WriterError &e) {
-                stream.send(with(event("error"), "error", e.message()));
-            }
-        });
+        StreamJob::start(call, s, StreamJob::ModelCall::One,
+                         [&s, deck, input](EventStream &stream) {
+                             try {
+                                 const QJsonObject card =
+                                     writeAndStore(s, deck, input, streamedProgress(stream));
+                                 stream.send(with(event("card"), "card", card));
+                             } catch (const WriterError &e) {
+                                 stream.send(with(event("error"), "error", e.message()));
+                             }
+                         });
     });
 
     router.post(R"(/api/decks/(\d+)/cards/batch)", Access::SignedIn, [&s](Call &call) {
@@ -98,32 +102,36 @@ void CardRoutes::install(Router &router, Services &s)
             terms.append(RequestBody::stringIn(o, "term", "word").trimmed());
             RequestBody::stringIn(o, "source", "word", false);
         }
-        EventStream::start(call, [&s, deck, terms](EventStream &stream) {
-            stream.send(with(event("start"), "total", int(terms.size())));
-            // The batch goes on when the learner stops listening: the cards are theirs anyway.
-            for (int i = 0; i < terms.size(); ++i) {
-                const QString term = terms.at(i);
-                QJsonObject base{{"index", i}, {"term", term}};
-                stream.send(with(base, "type", "word"));
-                if (term.isEmpty()) {
-                    stream.send(with(with(base, "type", "failed"), "reason",
-                                     QStringLiteral("There is no word to write.")));
-                    continue;
+        const qint64 userId = call.userId;
+        StreamJob::start(
+            call, s, StreamJob::ModelCall::None, [&s, deck, terms, userId](EventStream &stream) {
+                stream.send(with(event("start"), "total", int(terms.size())));
+                // The batch goes on when the learner stops listening: the cards are theirs anyway.
+                for (int i = 0; i < terms.size(); ++i) {
+                    const QString term = terms.at(i);
+                    QJsonObject base{{"index", i}, {"term", term}};
+                    stream.send(with(base, "type", "word"));
+                    if (term.isEmpty()) {
+                        stream.send(with(with(base, "type", "failed"), "reason",
+                                         QStringLiteral("There is no word to write.")));
+                        continue;
+                    }
+                    if (s.cards.withTerm(deck.id, term)) {
+                        stream.send(with(with(base, "type", "skipped"), "reason",
+                                         QStringLiteral("Already in the deck.")));
+                        continue;
+                    }
+                    try {
+                        // A batch slows down to the account's share of model calls, not fails.
+                        s.modelCalls.takeOrWait(userId);
+                        const QJsonObject card = writeAndStore(s, deck, term, quiet());
+                        stream.send(QJsonObject{{"type", "card"}, {"index", i}, {"card", card}});
+                    } catch (const WriterError &e) {
+                        stream.send(with(with(base, "type", "failed"), "reason", e.message()));
+                    }
                 }
-                if (s.cards.withTerm(deck.id, term)) {
-                    stream.send(with(with(base, "type", "skipped"), "reason",
-                                     QStringLiteral("Already in the deck.")));
-                    continue;
-                }
-                try {
-                    const QJsonObject card = writeAndStore(s, deck, term, quiet());
-                    stream.send(QJsonObject{{"type", "card"}, {"index", i}, {"card", card}});
-                } catch (const WriterError &e) {
-                    stream.send(with(with(base, "type", "failed"), "reason", e.message()));
-                }
-            }
-            stream.send(event("done"));
-        });
+                stream.send(event("done"));
+            });
     });
 
     router.post(R"(/api/decks/(\d+)/extract)", Access::SignedIn, [&s](Call &call) {
@@ -133,51 +141,54 @@ void CardRoutes::install(Router &router, Services &s)
             throw ApiError::invalid(QStringLiteral("Paste some text first."));
         const QString read = text.left(ExtractLimit);
         const int unread = int(text.size() - read.size());
-        EventStream::start(call, [&s, deck, read, unread](EventStream &stream) {
-            stream.send(with(event("reading"), "characters", int(read.size())));
-            QJsonArray offered;
-            QSet<QString> seen;
-            int skipped = 0;
-            try {
-                s.writer.extract(
-                    {deck.language, deck.nativeLanguage}, read, [&](const QJsonObject &candidate) {
-                        const QString term = candidate.value("term").toString();
-                        const QString key = term.trimmed().toCaseFolded();
-                        if (key.isEmpty() || seen.contains(key))
-                            return;
-                        seen.insert(key);
-                        if (s.cards.withTerm(deck.id, term)) {
-                            ++skipped;
-                            return;
-                        }
-                        QJsonObject word;
-                        for (const char *k : {"term", "seen_as", "gloss", "sentence", "level"})
-                            word.insert(k, candidate.value(k).toString());
-                        offered.append(word);
-                        stream.send(with(event("word"), "word", word));
-                    });
-            } catch (const WriterError &e) {
-                stream.send(with(event("error"), "error", e.message()));
-                return;
-            }
-            const QString summary = offered.isEmpty()
-                                        ? QStringLiteral("Nothing new worth a card in this text.")
-                                        : QStringLiteral("%1 %2 worth a card in %3 characters.")
-                                              .arg(offered.size())
-                                              .arg(offered.size() == 1 ? "word" : "words")
-                                              .arg(read.size());
-            stream.send(QJsonObject{{"type", "done"},
-                                    {"summary", summary},
-                                    {"words", offered},
-                                    {"skipped", skipped},
-                                    {"unread", unread}});
-        });
+        StreamJob::start(
+            call, s, StreamJob::ModelCall::One, [&s, deck, read, unread](EventStream &stream) {
+                stream.send(with(event("reading"), "characters", int(read.size())));
+                QJsonArray offered;
+                QSet<QString> seen;
+                int skipped = 0;
+                try {
+                    s.writer.extract(
+                        {deck.language, deck.nativeLanguage}, read,
+                        [&](const QJsonObject &candidate) {
+                            const QString term = candidate.value("term").toString();
+                            const QString key = term.trimmed().toCaseFolded();
+                            if (key.isEmpty() || seen.contains(key))
+                                return;
+                            seen.insert(key);
+                            if (s.cards.withTerm(deck.id, term)) {
+                                ++skipped;
+                                return;
+                            }
+                            QJsonObject word;
+                            for (const char *k : {"term", "seen_as", "gloss", "sentence", "level"})
+                                word.insert(k, candidate.value(k).toString());
+                            offered.append(word);
+                            stream.send(with(event("word"), "word", word));
+                        });
+                } catch (const WriterError &e) {
+                    stream.send(with(event("error"), "error", e.message()));
+                    return;
+                }
+                const QString summary =
+                    offered.isEmpty() ? QStringLiteral("Nothing new worth a card in this text.")
+                                      : QStringLiteral("%1 %2 worth a card in %3 characters.")
+                                            .arg(offered.size())
+                                            .arg(offered.size() == 1 ? "word" : "words")
+                                            .arg(read.size());
+                stream.send(QJsonObject{{"type", "done"},
+                                        {"summary", summary},
+                                        {"words", offered},
+                                        {"skipped", skipped},
+                                        {"unread", unread}});
+            });
     });
 
     router.post(R"(/api/cards/(\d+)/regenerate)", Access::SignedIn, [&s](Call &call) {
         const qint64 cardId = call.id(1);
         const QJsonObject old = s.cards.card(call.userId, cardId);
         const DeckInfo deck = s.decks.info(call.userId, old.value("deck_id").toInteger());
+        s.modelCalls.takeOrRefuse(call.userId);
         const QJsonObject written = s.writer.writeCard({deck.language, deck.nativeLanguage},
                                                        old.value("term").toString(), quiet());
         call.reply(s.cards.rewrite(call.userId, cardId, written));

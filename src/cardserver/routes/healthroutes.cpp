@@ -5,30 +5,14 @@
 #include "store/database.h"
 
 #include <QJsonObject>
-#include <QSqlQuery>
 
 namespace cardserver {
-
-namespace {
-
-bool storeAnswers(Database &db)
-{
-    try {
-        QSqlQuery query(db.connection());
-        return query.exec(QStringLiteral("SELECT 1")) && query.next() &&
-               query.value(0).toInt() == 1;
-    } catch (const std::exception &) {
-        return false;
-    }
-}
-
-} // namespace
 
 void HealthRoutes::install(Router &router, Database &db)
 {
     HttpServer &server = router.server();
     router.get(R"(/healthz)", Router::Access::Public, [&db, &server](Call &call) {
-        const bool ok = storeAnswers(db);
+        const bool ok = db.reachable();
         const HttpServer::Stats stats = server.stats();
         call.setHeader("Cache-Control", "no-store");
         call.reply(QJsonObject{{"status", ok ? "ok" : "unavailable"},

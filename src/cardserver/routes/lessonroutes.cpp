@@ -5,6 +5,7 @@
 #include "http/router.h"
 #include "library/cardstore.h"
 #include "library/deckstore.h"
+#include "limits/callrate.h"
 #include "notes/notestore.h"
 #include "writers/writer.h"
 
@@ -72,6 +73,7 @@ void LessonRoutes::install(Router &router, Services &s)
             throw ApiError::invalid(QStringLiteral("Say what the lesson should be about."));
         if (topic.size() > 500)
             throw ApiError::invalid(QStringLiteral("Keep the topic under 500 characters."));
+        s.modelCalls.takeOrRefuse(call.userId);
         const QJsonObject byte = s.writer.byte({deck.language, deck.nativeLanguage}, topic);
         call.reply(QJsonObject{{"byte", cleanByte(byte)}});
     });

@@ -6,7 +6,9 @@
 #include "http/router.h"
 #include "library/cardstore.h"
 #include "library/deckstore.h"
+#include "limits/callrate.h"
 #include "notes/notestore.h"
+#include "routes/streamjob.h"
 #include "writers/writer.h"
 
 namespace cardserver {
@@ -96,6 +98,7 @@ void NoteRoutes::install(Router &router, Services &s)
                     continue;
                 if (lines.at(i).text.trimmed().isEmpty())
                     throw ApiError::invalid(QStringLiteral("That line is blank."));
+                s.modelCalls.takeOrRefuse(userId);
                 annotate(s, langs, lines, i);
             }
             call.reply(QJsonObject{{"note", s.notes.note(userId, noteId)}});
@@ -103,32 +106,36 @@ void NoteRoutes::install(Router &router, Services &s)
         }
 
         const bool all = body.optionalBoolean("all").value_or(false);
-        EventStream::start(call, [&s, langs, noteId, userId, all](EventStream &stream) {
-            const QList<NoteLine> lines = s.notes.lines(noteId);
-            QList<int> todo;
-            for (int i = 0; i < lines.size(); ++i)
-                if (all ? !lines.at(i).text.trimmed().isEmpty() : lines.at(i).pending())
-                    todo.append(i);
-            const int total = int(todo.size());
-            stream.send(QJsonObject{{"type", "start"}, {"total", total}});
-            int done = 0;
-            int annotated = 0;
-            for (int index : todo) {
-                if (!stream.open())
-                    return; // the learner has gone; what is annotated so far is kept
-                try {
-                    annotated += annotate(s, langs, lines, index) ? 1 : 0;
-                } catch (const WriterError &e) {
-                    stream.send(QJsonObject{{"type", "error"}, {"error", e.message()}});
-                    break;
+        StreamJob::start(
+            call, s, StreamJob::ModelCall::None,
+            [&s, langs, noteId, userId, all](EventStream &stream) {
+                const QList<NoteLine> lines = s.notes.lines(noteId);
+                QList<int> todo;
+                for (int i = 0; i < lines.size(); ++i)
+                    if (all ? !lines.at(i).text.trimmed().isEmpty() : lines.at(i).pending())
+                        todo.append(i);
+                const int total = int(todo.size());
+                stream.send(QJsonObject{{"type", "start"}, {"total", total}});
+                int done = 0;
+                int annotated = 0;
+                for (int index : todo) {
+                    if (!stream.open())
+                        return; // the learner has gone; what is annotated so far is kept
+                    try {
+                        s.modelCalls.takeOrWait(userId);
+                        annotated += annotate(s, langs, lines, index) ? 1 : 0;
+                    } catch (const WriterError &e) {
+                        stream.send(QJsonObject{{"type", "error"}, {"error", e.message()}});
+                        break;
+                    }
+                    ++done;
+                    stream.send(
+                        QJsonObject{{"type", "progress"}, {"done", done}, {"total", total}});
                 }
-                ++done;
-                stream.send(QJsonObject{{"type", "progress"}, {"done", done}, {"total", total}});
-            }
-            stream.send(QJsonObject{{"type", "done"},
-                                    {"note", s.notes.note(userId, noteId)},
-                                    {"annotated", annotated}});
-        });
+                stream.send(QJsonObject{{"type", "done"},
+                                        {"note", s.notes.note(userId, noteId)},
+                                        {"annotated", annotated}});
+            });
     });
 
     router.post(R"(/api/notes/(\d+)/lines/(\d+)/deepen)", Access::SignedIn, [&s](Call &call) {
@@ -144,6 +151,7 @@ void NoteRoutes::install(Router &router, Services &s)
             throw ApiError(409,
                            QStringLiteral("There is nothing deeper to say about this remark."));
         const int level = int(deeper.size()) + 1;
+        s.modelCalls.takeOrRefuse(call.userId);
         const QJsonObject written =
             s.writer.deepen(languagesOf(s, call.userId, noteId), line.text, remark, level);
         const QJsonObject next{{"level", level},
@@ -178,6 +186,7 @@ void NoteRoutes::install(Router &router, Services &s)
             call.reply(QJsonObject{{"card", *existing}, {"already", true}});
             return;
         }
+        s.modelCalls.takeOrRefuse(call.userId);
         QJsonObject written = s.writer.writeCard(
             {deck.language, deck.nativeLanguage}, term,
             {[](const QString &, const QString &) {}, [](const QString &, int) {}});
@@ -198,6 +207,7 @@ void NoteRoutes::install(Router &router, Services &s)
                                         .arg(kind.left(40)));
         if (term.isEmpty())
             throw ApiError::invalid(QStringLiteral("Say which word."));
+        s.modelCalls.takeOrRefuse(call.userId);
         const QStringList lines = s.writer.compose(languagesOf(s, call.userId, noteId), kind, term);
         call.reply(QJsonObject{{"lines", QJsonArray::fromStringList(lines)}});
     });

@@ -5,11 +5,12 @@
 
 #include <cmath>
 #include <QCryptographicHash>
+#include <QDebug>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -20,29 +21,32 @@ namespace {
 constexpr int kStartTimeoutMs = 5000;
 constexpr int kRunTimeoutMs = 30000;
 
+// What a learner hears when a tool failed; the tool's own words go to the log.
+WriterError speechFailed()
+{
+    return WriterError(QStringLiteral("Speech failed on this server. Try again later."), 503);
+}
+
 // Runs a program with an argument list (never through a shell); returns its standard output, or
-// throws WriterError(503) naming the program and what it said.
+// throws WriterError(503). What the program said goes to the log: learners get a plain sentence.
 QByteArray run(const QString &program, const QStringList &arguments)
 {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForStarted(kStartTimeoutMs))
-        throw WriterError(
-            QStringLiteral("Speech is unavailable: %1 cannot be started.").arg(program), 503);
+    if (!process.waitForStarted(kStartTimeoutMs)) {
+        qWarning().noquote() << program << "cannot be started:" << process.errorString();
+        throw speechFailed();
+    }
     if (!process.waitForFinished(kRunTimeoutMs)) {
         process.kill();
         process.waitForFinished(1000);
-        throw WriterError(QStringLiteral("Speech is unavailable: %1 took too long.").arg(program),
-                          503);
+        qWarning().noquote() << program << "took too long and was stopped";
+        throw speechFailed();
     }
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
-        const QString said =
-            QString::fromUtf8(process.readAllStandardError()).simplified().left(200);
-        throw WriterError(QStringLiteral("Speech failed: %1 stopped with an error%2")
-                              .arg(program, said.isEmpty()
-                                                ? QStringLiteral(".")
-                                                : QStringLiteral(" (") + said + u')' + u'.'),
-                          503);
+        qWarning().noquote() << program << "stopped with code" << process.exitCode() << ":"
+                             << QString::fromUtf8(process.readAllStandardError()).simplified();
+        throw speechFailed();
     }
     return process.readAllStandardOutput();
 }
@@ -54,7 +58,10 @@ QString rateText(double rate)
 
 } // namespace
 
-SpeechRenderer::SpeechRenderer(QString cacheDir) : m_cacheDir(std::move(cacheDir)) {}
+SpeechRenderer::SpeechRenderer(QString cacheDir, qint64 cacheBytes, int processes,
+                               std::chrono::milliseconds queueWait)
+    : m_cacheDir(cacheDir), m_cache(std::move(cacheDir), cacheBytes), m_tools(processes, queueWait)
+{}
 
 bool SpeechRenderer::available() const
 {
@@ -109,29 +116,22 @@ QByteArray SpeechRenderer::render(const QString &text, const QString &lang, doub
     if (!std::isfinite(rate) || rate <= 0)
         throw WriterError(QStringLiteral("The speaking rate must be a positive number."), 422);
 
-    const QString path = cachePath(spoken, lang.trimmed(), rate, voice.trimmed());
-    const auto readCached = [&]() -> QByteArray {
-        QFile cached(path);
-        if (cached.open(QIODevice::ReadOnly))
-            return cached.readAll();
-        return {};
-    };
-    if (QByteArray hit = readCached(); !hit.isEmpty())
+    const QString name =
+        QFileInfo(cachePath(spoken, lang.trimmed(), rate, voice.trimmed())).fileName();
+    if (QByteArray hit = m_cache.read(name); !hit.isEmpty())
         return hit;
 
-    const auto lock = lockFor(path);
+    const auto lock = lockFor(name);
     std::lock_guard guard(*lock);
-    if (QByteArray hit = readCached(); !hit.isEmpty())
+    if (QByteArray hit = m_cache.read(name); !hit.isEmpty())
         return hit; // another thread rendered it while this one waited
 
-    const QByteArray mp3 = renderUncached(spoken, speaker, rate);
-    if (!QDir().mkpath(m_cacheDir))
-        return mp3; // an unwritable cache costs speed, not the clip
-    QSaveFile out(path);
-    if (out.open(QIODevice::WriteOnly)) {
-        out.write(mp3);
-        out.commit();
+    QByteArray mp3;
+    {
+        const WorkGate::Pass pass = m_tools.enterOrBusy();
+        mp3 = renderUncached(spoken, speaker, rate);
     }
+    m_cache.store(name, mp3);
     return mp3;
 }
 
@@ -139,8 +139,10 @@ QByteArray SpeechRenderer::renderUncached(const QString &text, const QString &vo
                                           double rate) const
 {
     QTemporaryDir work;
-    if (!work.isValid())
-        throw WriterError(QStringLiteral("Speech failed: no room for a temporary file."), 503);
+    if (!work.isValid()) {
+        qWarning().noquote() << "speech: no temporary folder:" << work.errorString();
+        throw speechFailed();
+    }
     const QString wav = work.filePath(QStringLiteral("clip.wav"));
     const QString mp3 = work.filePath(QStringLiteral("clip.mp3"));
     const int wordsPerMinute = std::clamp(int(std::lround(175 * rate)), 80, 450);
@@ -150,11 +152,11 @@ QByteArray SpeechRenderer::renderUncached(const QString &text, const QString &vo
     run(QStringLiteral("lame"),
         {QStringLiteral("--quiet"), QStringLiteral("-b"), QStringLiteral("64"), wav, mp3});
     QFile file(mp3);
-    if (!file.open(QIODevice::ReadOnly))
-        throw WriterError(QStringLiteral("Speech failed: lame wrote no clip."), 503);
-    const QByteArray bytes = file.readAll();
-    if (bytes.isEmpty())
-        throw WriterError(QStringLiteral("Speech failed: lame wrote an empty clip."), 503);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (bytes.isEmpty()) {
+        qWarning().noquote() << "speech: lame wrote no clip";
+        throw speechFailed();
+    }
     return bytes;
 }
 
@@ -171,6 +173,9 @@ QJsonArray SpeechRenderer::voices(const QString &lang) const
     }
     QJsonArray list;
     try {
+        const std::optional<WorkGate::Pass> pass = m_tools.enter();
+        if (!pass)
+            return {};
         list = EspeakVoiceList::parse(QString::fromUtf8(
             run(QStringLiteral("espeak-ng"), {QStringLiteral("--voices=") + code})));
     } catch (const WriterError &) {
@@ -190,6 +195,9 @@ QStringList SpeechRenderer::languages() const
     }
     QStringList list;
     try {
+        const std::optional<WorkGate::Pass> pass = m_tools.enter();
+        if (!pass)
+            return {};
         list = EspeakVoiceList::languages(
             QString::fromUtf8(run(QStringLiteral("espeak-ng"), {QStringLiteral("--voices")})));
     } catch (const WriterError &) {

@@ -60,10 +60,12 @@ QString ChatStream::run(const QString &system, const QString &user,
     const QUrl url(endpoint(m_url));
     if (!url.isValid() ||
         (url.scheme() != QLatin1String("http") && url.scheme() != QLatin1String("https")) ||
-        url.host().isEmpty())
-        throw WriterError(
-            kUnavailable.arg(QStringLiteral("“%1” is not an http or https address.").arg(m_url)),
-            503);
+        url.host().isEmpty()) {
+        qWarning().noquote() << "language model address is not http or https:" << m_url;
+        throw WriterError(kUnavailable.arg(QStringLiteral("its address is not an http or https "
+                                                          "address.")),
+                          503);
+    }
     const QJsonObject body{
         {QStringLiteral("model"), m_model},
         {QStringLiteral("stream"), true},
@@ -121,19 +123,18 @@ QString ChatStream::run(const QString &system, const QString &user,
     OutgoingFetch fetcher(m_policy, MaxAnswerBytes, MaxAnswerSeconds * 1000);
     fetcher.setIdleTimeout(timeoutSeconds);
     const OutgoingFetch::Result result = fetcher.send(url.toString(), request);
-    if (!streamError.isEmpty())
-        throw WriterError(kUnavailable.arg(streamError), 503);
+    // What the model's server said goes to the log only: it may name hosts, files or keys.
+    if (!streamError.isEmpty()) {
+        qWarning().noquote() << "language model reported an error:" << streamError;
+        throw WriterError(kUnavailable.arg(QStringLiteral("it reported an error.")), 503);
+    }
     const int status = result.status;
     if (status != 0 && (status < 200 || status > 299)) {
         QString why = errorOf(QJsonDocument::fromJson(raw).object());
         if (why.isEmpty())
             why = QString::fromUtf8(raw).simplified().left(200);
-        throw WriterError(kUnavailable.arg(QStringLiteral("it answered %1%2")
-                                               .arg(status)
-                                               .arg(why.isEmpty() ? QStringLiteral(".")
-                                                                  : QStringLiteral(" (") + why +
-                                                                        QStringLiteral(")."))),
-                          503);
+        qWarning().noquote() << "language model answered" << status << why;
+        throw WriterError(kUnavailable.arg(QStringLiteral("it answered %1.").arg(status)), 503);
     }
     if (result.outcome != OutgoingFetch::Outcome::Fetched) {
         // The model's address and curl's words are for the operator, in the log.

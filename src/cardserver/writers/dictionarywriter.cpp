@@ -36,7 +36,9 @@ QStringList endingsOf(const QString &language)
 
 } // namespace
 
-DictionaryWriter::DictionaryWriter(const QString &dictionaryFolder) : m_shelf(dictionaryFolder) {}
+DictionaryWriter::DictionaryWriter(const QString &dictionaryFolder, WorkGate *tools)
+    : m_shelf(dictionaryFolder), m_tools(tools)
+{}
 
 Dictionary &DictionaryWriter::dictionaryFor(const Languages &langs) const
 {
@@ -156,7 +158,8 @@ WrittenCard DictionaryWriter::writeCard(const Languages &langs, const QString &i
                           422);
     const DictionaryCard card(langs.language, entries);
     const QString language = langs.language;
-    return card.write(progress, [&](const QString &term) { return espeakReading(language, term); });
+    return card.write(progress,
+                      [&](const QString &term) { return espeakReading(language, term, m_tools); });
 }
 
 QJsonArray DictionaryWriter::extract(const Languages &langs, const QString &text,

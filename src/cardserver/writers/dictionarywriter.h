@@ -4,6 +4,8 @@
 
 namespace cardserver {
 
+class WorkGate;
+
 class DictionaryCard;
 
 // The offline writer: cards, candidates and glosses from the installed FreeDict dictionaries,
@@ -11,7 +13,9 @@ class DictionaryCard;
 // lessons, deeper levels, memory hooks) it refuses with a message saying how to get one.
 class DictionaryWriter : public Writer {
 public:
-    explicit DictionaryWriter(const QString &dictionaryFolder = QStringLiteral("/usr/share/dictd"));
+    // `tools`, when given, is the gate espeak-ng passes for readings the dictionary lacks.
+    explicit DictionaryWriter(const QString &dictionaryFolder = QStringLiteral("/usr/share/dictd"),
+                              WorkGate *tools = nullptr);
 
     QString name() const override { return QStringLiteral("dictionary"); }
     WrittenCard writeCard(const Languages &langs, const QString &input,
@@ -44,6 +48,7 @@ private:
                                      const QString &input) const;
 
     DictionaryShelf m_shelf;
+    WorkGate *m_tools;
 };
 
 } // namespace cardserver

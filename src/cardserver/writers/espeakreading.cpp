@@ -1,13 +1,18 @@
 #include "espeakreading.h"
 
+#include "limits/workgate.h"
+
 #include <QProcess>
 
 namespace cardserver {
 
-QString espeakReading(const QString &language, const QString &text)
+QString espeakReading(const QString &language, const QString &text, WorkGate *tools)
 {
     const QString trimmed = text.trimmed();
     if (trimmed.isEmpty() || language.isEmpty())
+        return {};
+    const std::optional<WorkGate::Pass> pass = tools ? tools->enter() : std::nullopt;
+    if (tools && !pass)
         return {};
     QProcess process;
     // "--" keeps a text starting with "-" from being read as an option.

@@ -64,6 +64,32 @@ QJsonArray conjugations(const QJsonValue &list)
     return out;
 }
 
+// What each text may bring into a prompt. A word, a topic or a command's word longer than
+// its cap is refused (the learner typed it and can shorten it); a note's line, the lines
+// around it and an earlier remark are cut to their cap (the learner did not type them for
+// the model, and remarks on the start of a very long line are still of use).
+constexpr int MaxWord = 200;
+constexpr int MaxTopic = 500;
+constexpr int MaxExtract = 20'000;
+constexpr int MaxLine = 2'000;
+constexpr int MaxContextLine = 500;
+constexpr int MaxRemark = 1'000;
+
+QJsonObject cappedRemark(const QJsonObject &annotation)
+{
+    QJsonObject out = annotation;
+    for (const char *k : {"span", "body", "term"})
+        out.insert(QLatin1String(k), annotation.value(QLatin1String(k)).toString().left(MaxRemark));
+    QJsonArray deeper;
+    for (const QJsonValue &level : annotation.value(QStringLiteral("deeper")).toArray()) {
+        QJsonObject l = level.toObject();
+        l.insert(QStringLiteral("body"), l.value(QStringLiteral("body")).toString().left(MaxLine));
+        deeper.append(l);
+    }
+    out.insert(QStringLiteral("deeper"), deeper);
+    return out;
+}
+
 } // namespace
 
 LlmWriter::LlmWriter(const QString &url, const QString &model, const QString &key,
@@ -103,7 +129,7 @@ WrittenCard LlmWriter::writeCard(const Languages &langs, const QString &input,
     const QString word = input.trimmed();
     if (word.isEmpty())
         throw WriterError(QStringLiteral("Type a word to write a card for."), 422);
-    if (word.size() > 200)
+    if (word.size() > MaxWord)
         throw WriterError(
             QStringLiteral("That is too long for a card; type a word or a short phrase."), 422);
 
@@ -173,7 +199,7 @@ QJsonArray LlmWriter::extract(const Languages &langs, const QString &text,
         if (onWord)
             onWord(c);
     };
-    const QJsonObject answer = ask(langs, LlmPrompts::extract(langs, text.left(20000)), {},
+    const QJsonObject answer = ask(langs, LlmPrompts::extract(langs, text.left(MaxExtract)), {},
                                    [&](const QString &key, const QJsonValue &element) {
                                        if (key == QLatin1String("words"))
                                            add(element);
@@ -188,6 +214,8 @@ QJsonObject LlmWriter::byte(const Languages &langs, const QString &topic)
 {
     if (topic.trimmed().isEmpty())
         throw WriterError(QStringLiteral("Say what the lesson should be about."), 422);
+    if (topic.trimmed().size() > MaxTopic)
+        throw WriterError(QStringLiteral("Keep the topic under %1 characters.").arg(MaxTopic), 422);
     const QJsonObject a = ask(langs, LlmPrompts::byte(langs, topic.trimmed()));
     const QJsonObject correction = a.value(QStringLiteral("correction")).toObject();
     QJsonObject out{
@@ -209,7 +237,11 @@ QJsonArray LlmWriter::annotateLine(const Languages &langs, const QString &line,
         return {};
     static const QSet<QString> kinds{QStringLiteral("translation"), QStringLiteral("gloss"),
                                      QStringLiteral("note"), QStringLiteral("caution")};
-    const QJsonObject a = ask(langs, LlmPrompts::annotate(langs, line.trimmed(), context));
+    QStringList around;
+    for (const QString &l : context)
+        around.append(l.trimmed().left(MaxContextLine));
+    const QJsonObject a =
+        ask(langs, LlmPrompts::annotate(langs, line.trimmed().left(MaxLine), around));
     QJsonArray out;
     for (const QJsonValue &item : records(a.value(QStringLiteral("annotations")),
                                           {QStringLiteral("kind"), QStringLiteral("span"),
@@ -227,7 +259,8 @@ QJsonArray LlmWriter::annotateLine(const Languages &langs, const QString &line,
 QJsonObject LlmWriter::deepen(const Languages &langs, const QString &line,
                               const QJsonObject &annotation, int level)
 {
-    const QJsonObject a = ask(langs, LlmPrompts::deepen(langs, line, annotation, level));
+    const QJsonObject a =
+        ask(langs, LlmPrompts::deepen(langs, line.left(MaxLine), cappedRemark(annotation), level));
     const QString body = text(a.value(QStringLiteral("body")));
     if (body.isEmpty())
         throw WriterError(
@@ -244,6 +277,12 @@ QStringList LlmWriter::compose(const Languages &langs, const QString &kind, cons
                           422);
     if (term.trimmed().isEmpty())
         throw WriterError(QStringLiteral("Say which word."), 422);
+    if (term.trimmed().size() > MaxWord)
+        throw WriterError(
+            QStringLiteral("That is too long; say one word or a short phrase (at most %1 "
+                           "characters).")
+                .arg(MaxWord),
+            422);
     const QJsonObject a = ask(langs, LlmPrompts::compose(langs, kind, term.trimmed()));
     QStringList lines;
     for (const QJsonValue &l : a.value(QStringLiteral("lines")).toArray())

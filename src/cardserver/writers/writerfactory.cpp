@@ -11,7 +11,7 @@ std::unique_ptr<Writer> makeWriter(const WriterConfig &config)
 {
     const QString kind = config.kind.trimmed().toLower();
     if (kind.isEmpty() || kind == QLatin1String("dictionary"))
-        return std::make_unique<DictionaryWriter>(config.dictionaryDir);
+        return std::make_unique<DictionaryWriter>(config.dictionaryDir, config.tools);
     if (kind == QLatin1String("llm")) {
         if (config.llmUrl.trimmed().isEmpty() || config.llmModel.trimmed().isEmpty())
             throw WriterError(

@@ -7,13 +7,16 @@
 
 namespace cardserver {
 
+class WorkGate;
+
 struct WriterConfig {
     QString kind = "dictionary";
     QString llmUrl;
     QString llmModel;
     QString llmKey;
     QString dictionaryDir = "/usr/share/dictd";
-    AddressPolicy addresses; // what the llm writer may connect to
+    AddressPolicy addresses;   // what the llm writer may connect to
+    WorkGate *tools = nullptr; // the gate of espeak-ng processes (the dictionary's readings)
 };
 
 // The writer a configuration names: "dictionary" (offline, the default) or "llm" (an

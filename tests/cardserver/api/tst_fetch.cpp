@@ -3,6 +3,7 @@
 // size cap counted while reading and the deadline kept. A second web server plays the
 // "internal" service: it must never see a request.
 #include "api.h"
+#include "webserver.h"
 
 #include <atomic>
 #include <chrono>
@@ -21,42 +22,6 @@ QByteArray png(quint32 w, quint32 h)
     return b + QByteArray("\x08\x06\x00\x00\x00", 5) + QByteArray(8, '\0') + "IEND" +
            QByteArray(4, '\0');
 }
-
-// An httplib server on a free loopback port, running on a thread of its own.
-class WebServer {
-public:
-    WebServer()
-    {
-        m_port = m_server.bind_to_any_port("127.0.0.1");
-        m_server.set_logger(
-            [this](const httplib::Request &, const httplib::Response &) { ++m_requests; });
-        m_thread = std::thread([this] { m_server.listen_after_bind(); });
-        while (!m_server.is_running())
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    ~WebServer()
-    {
-        m_stopping = true;
-        m_server.stop();
-        m_thread.join();
-    }
-
-    httplib::Server &routes() { return m_server; }
-    QString url(const char *path) const
-    {
-        return QStringLiteral("http://127.0.0.1:%1%2").arg(m_port).arg(QLatin1String(path));
-    }
-    QString hostPort() const { return QStringLiteral("127.0.0.1:%1").arg(m_port); }
-    int requests() const { return m_requests; }
-    bool stopping() const { return m_stopping; }
-
-private:
-    httplib::Server m_server;
-    int m_port = 0;
-    std::thread m_thread;
-    std::atomic<int> m_requests{0};
-    std::atomic<bool> m_stopping{false};
-};
 
 } // namespace
 

@@ -1,4 +1,4 @@
-#include "http/connection.h"
+#include "http/httpconnection.h"
 
 #include "http/eventstream.h"
 #include "http/serverstate.h"
@@ -42,18 +42,18 @@ std::string trimmedLower(beast::string_view view)
 
 } // namespace
 
-const HttpLimits &Connection::limits() const
+const HttpLimits &HttpConnection::limits() const
 {
     return m_server.limits;
 }
 
-Connection::Connection(ServerState &server, tcp::socket socket)
+HttpConnection::HttpConnection(ServerState &server, tcp::socket socket)
     : m_server(server), m_stream(std::move(socket))
 {
     m_server.connections.fetch_add(1);
 }
 
-Connection::~Connection()
+HttpConnection::~HttpConnection()
 {
     {
         std::lock_guard lock(m_server.registryLock);
@@ -62,7 +62,7 @@ Connection::~Connection()
     m_server.connections.fetch_sub(1);
 }
 
-void Connection::start()
+void HttpConnection::start()
 {
     {
         std::lock_guard lock(m_server.registryLock);
@@ -80,12 +80,12 @@ void Connection::start()
     net::dispatch(m_stream.get_executor(), [self = shared_from_this()] { self->waitRequest(); });
 }
 
-void Connection::abortLater()
+void HttpConnection::abortLater()
 {
     net::post(m_stream.get_executor(), [self = shared_from_this()] { self->abort(); });
 }
 
-void Connection::waitRequest()
+void HttpConnection::waitRequest()
 {
     if (m_server.stopping)
         return abort();
@@ -104,7 +104,7 @@ void Connection::waitRequest()
                              });
 }
 
-void Connection::readHeader()
+void HttpConnection::readHeader()
 {
     m_parser.emplace();
     m_parser->header_limit(std::uint32_t(limits().maxHeaderBytes));
@@ -117,7 +117,7 @@ void Connection::readHeader()
         [self = shared_from_this()](beast::error_code ec, size_t) { self->onHeader(ec); });
 }
 
-void Connection::refuseRead(const beast::error_code &ec)
+void HttpConnection::refuseRead(const beast::error_code &ec)
 {
     if (ec == http::error::header_limit)
         return fail(431);
@@ -130,7 +130,7 @@ void Connection::refuseRead(const beast::error_code &ec)
     fail(400);
 }
 
-void Connection::onHeader(beast::error_code ec)
+void HttpConnection::onHeader(beast::error_code ec)
 {
     if (ec)
         return refuseRead(ec);
@@ -161,7 +161,7 @@ void Connection::onHeader(beast::error_code ec)
     readBody();
 }
 
-void Connection::readBody()
+void HttpConnection::readBody()
 {
     if (m_parser->is_done())
         return onBody({});
@@ -171,7 +171,7 @@ void Connection::readBody()
         [self = shared_from_this()](beast::error_code ec, size_t) { self->onBody(ec); });
 }
 
-void Connection::onBody(beast::error_code ec)
+void HttpConnection::onBody(beast::error_code ec)
 {
     if (ec)
         return refuseRead(ec);
@@ -199,7 +199,7 @@ void Connection::onBody(beast::error_code ec)
     });
 }
 
-void Connection::respond(HttpResponse res)
+void HttpConnection::respond(HttpResponse res)
 {
     if (m_server.stopping)
         return abort();
@@ -208,7 +208,7 @@ void Connection::respond(HttpResponse res)
     writeReply(std::move(res), m_keepAlive, false);
 }
 
-void Connection::fail(int status)
+void HttpConnection::fail(int status)
 {
     HttpResponse res;
     res.status = status;
@@ -218,7 +218,7 @@ void Connection::fail(int status)
     writeReply(std::move(res), false, true);
 }
 
-void Connection::writeReply(HttpResponse res, bool keepAlive, bool linger)
+void HttpConnection::writeReply(HttpResponse res, bool keepAlive, bool linger)
 {
     auto message = std::make_shared<http::response<http::string_body>>();
     message->version(m_version);
@@ -256,7 +256,7 @@ void Connection::writeReply(HttpResponse res, bool keepAlive, bool linger)
     }
 }
 
-void Connection::closeWithin(std::chrono::seconds deadline)
+void HttpConnection::closeWithin(std::chrono::seconds deadline)
 {
     beast::error_code ec;
     m_stream.socket().shutdown(tcp::socket::shutdown_send, ec);
@@ -265,7 +265,7 @@ void Connection::closeWithin(std::chrono::seconds deadline)
     drain();
 }
 
-void Connection::drain()
+void HttpConnection::drain()
 {
     if (!m_drain)
         m_drain = std::make_unique<char[]>(DrainBytes);
@@ -278,7 +278,7 @@ void Connection::drain()
                              });
 }
 
-void Connection::abort()
+void HttpConnection::abort()
 {
     if (m_channel)
         m_channel->close();
@@ -287,10 +287,10 @@ void Connection::abort()
     m_stream.close();
 }
 
-void Connection::startStream(HttpResponse res)
+void HttpConnection::startStream(HttpResponse res)
 {
     m_channel = std::make_shared<StreamChannel>();
-    std::weak_ptr<Connection> weak = weak_from_this();
+    std::weak_ptr<HttpConnection> weak = weak_from_this();
     auto executor = m_stream.get_executor();
     m_channel->wake = [weak, executor] {
         net::post(executor, [weak] {
@@ -353,7 +353,7 @@ void Connection::startStream(HttpResponse res)
     });
 }
 
-void Connection::watchPeer()
+void HttpConnection::watchPeer()
 {
     m_stream.socket().async_wait(
         tcp::socket::wait_read, [self = shared_from_this()](beast::error_code ec) {
@@ -370,7 +370,7 @@ void Connection::watchPeer()
         });
 }
 
-void Connection::flush()
+void HttpConnection::flush()
 {
     if (m_writing || !m_channel || !m_stream.socket().is_open())
         return;

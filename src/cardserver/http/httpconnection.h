@@ -16,10 +16,10 @@ struct StreamChannel;
 
 // One client connection: reads requests with deadlines and limits, hands each to the worker
 // pool, writes the reply (or the event stream) and waits for the next one.
-class Connection : public std::enable_shared_from_this<Connection> {
+class HttpConnection : public std::enable_shared_from_this<HttpConnection> {
 public:
-    Connection(ServerState &server, boost::asio::ip::tcp::socket socket);
-    ~Connection();
+    HttpConnection(ServerState &server, boost::asio::ip::tcp::socket socket);
+    ~HttpConnection();
 
     void start();
 
