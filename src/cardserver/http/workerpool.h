@@ -30,6 +30,8 @@ private:
     std::deque<std::function<void()>> m_tasks;
     std::vector<std::thread> m_threads;
     std::atomic<int> m_busy{0};
+    std::atomic<size_t> m_queued{0}; // m_tasks.size(), readable without the lock
+    int m_sleeping = 0;              // workers waiting on m_ready
     bool m_stopping = false;
 };
 
