@@ -153,9 +153,10 @@ http {{
 
 
 class Cluster:
-    """`count` orvel-server processes on one store; nginx in front when count > 1."""
+    """`count` orvel-server processes on one store; nginx in front when count > 1, or when
+    `proxied` says so."""
 
-    def __init__(self, binary, work_dir, count, database=None):
+    def __init__(self, binary, work_dir, count, database=None, proxied=None):
         self.work_dir = work_dir
         self.data_dir = os.path.join(work_dir, "data")
         os.makedirs(self.data_dir, exist_ok=True)
@@ -164,8 +165,10 @@ class Cluster:
         self.servers = [ServerProcess(binary, self.data_dir,
                                       os.path.join(work_dir, "server-%d.log" % i), extra)
                         for i in range(count)]
+        if proxied is None:
+            proxied = count > 1
         self.nginx = Nginx(work_dir, ["127.0.0.1:%d" % s.port for s in self.servers]) \
-            if count > 1 else None
+            if proxied else None
 
     @property
     def url(self):

@@ -99,6 +99,15 @@ class Client:
             self.stats.error("%s: %s" % (kind, type(e).__name__))
             raise Unanswered(str(e))
         self._keep_cookie(resp)
+        if resp.status in (502, 504):
+            # nginx answered for a process that went away with the request: it may or may
+            # not have been carried out, as if no answer had come.
+            try:
+                resp.read()
+            except (OSError, http.client.HTTPException):
+                self._drop()
+            self.stats.error("%s: HTTP %d" % (kind, resp.status))
+            raise Unanswered("HTTP %d" % resp.status)
         return resp
 
     def call(self, method, path, body=None, kind="call"):
@@ -220,16 +229,19 @@ class Learner(threading.Thread):
             status, events, complete = self.api.stream(
                 "/api/decks/%d/cards" % self.deck, {"input": word}, "card")
         except Unanswered:
+            self.stats.count("unanswered.cards")
             return
         self.stats.count("streams")
         self.stats.count("stream_events", len(events))
         if status != 200:
             return
         types = [e.get("type") for e in events]
-        if not complete or not types or types[-1] not in ("card", "error"):
-            if complete:
-                self.stats.problem("stream for %s ended without its last event: %s" % (word, types))
-                self.stats.count("streams.lost_or_reordered")
+        if not complete:
+            self.stats.count("unanswered.cards")
+            return
+        if not types or types[-1] not in ("card", "error"):
+            self.stats.problem("stream for %s ended without its last event: %s" % (word, types))
+            self.stats.count("streams.lost_or_reordered")
             return
         if any(t != "progress" for t in types[:-1]):
             self.stats.problem("stream for %s out of order: %s" % (word, types))
@@ -254,9 +266,12 @@ class Learner(threading.Thread):
             status, events, complete = self.api.stream(
                 "/api/decks/%d/cards/batch" % self.deck, body, "batch")
         except Unanswered:
+            self.stats.count("unanswered.cards")
             return
         self.stats.count("streams")
         self.stats.count("stream_events", len(events))
+        if status == 200 and not complete:
+            self.stats.count("unanswered.cards")
         if status != 200 or not complete:
             return
         # start, then for each word in order: word, then card | skipped | failed; then done.
@@ -285,6 +300,7 @@ class Learner(threading.Thread):
                                       {"known": self.random.random() < 0.7}, "review")
         except Unanswered:
             tally[1] += 1
+            self.stats.count("unanswered.reviews")
             return
         if status == 200:
             tally[0] += 1
@@ -315,6 +331,7 @@ class Learner(threading.Thread):
                                           {"title": "Notiz", "lines": drafts}, "save")
         except Unanswered:
             # Either the lines before or the lines after: ask what the server has.
+            self.stats.count("unanswered.saves")
             self.notes[note_id] = [before, before + [text]]
             self._reread(note_id)
             return

@@ -104,6 +104,10 @@ def run(setup, args, log):
             "errors": sum(v for k, v in stats.errors.items() if not k.startswith("check")),
             "errors_by_kind": dict(sorted(stats.errors.items())),
             "acknowledged": {k[4:]: v for k, v in sorted(c.items()) if k.startswith("ack.")},
+            # Writes whose answer never came (a process killed under them): they may or may
+            # not have happened, and the check accepts either outcome.
+            "unanswered_writes": {k[11:]: v for k, v in sorted(c.items())
+                                  if k.startswith("unanswered.")},
             "ledger_entries_checked": checked,
             "ledger_mismatches": mismatches + c.get("ledger.mismatches", 0),
             "streams": c.get("streams", 0),

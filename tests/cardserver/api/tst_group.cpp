@@ -4,6 +4,7 @@
 // streams pass through nginx whole and as they are written; and when one process stops, nginx
 // carries on with the other.
 #include "api.h"
+#include "chatanswer.h"
 #include "nginxprocess.h"
 #include "scriptedserver.h"
 #include "skipunlessci.h"
@@ -28,8 +29,8 @@ QByteArray png(quint32 w, quint32 h, qsizetype padding = 0)
            QByteArray(padding, '\x01');
 }
 
-// A card as a language model streams it: a few characters per event, from its examples on
-// kept back until the gate "rest" opens.
+// A card as a language model streams it, from its examples on kept back until the gate
+// "rest" opens.
 QList<ScriptedServer::Chunk> streamedCard()
 {
     const QString answer = QStringLiteral(
@@ -37,16 +38,7 @@ QList<ScriptedServer::Chunk> streamedCard()
         R"("translation": "dog", "definition": "A domestic animal that barks.", )"
         R"("usage_notes": "", "examples": [{"sentence": "Der Hund bellt.", )"
         R"("translation": "The dog barks."}], "related": [], "conjugations": []})");
-    const qsizetype holdAt = answer.indexOf("\"examples\"");
-    QList<ScriptedServer::Chunk> chunks;
-    for (qsizetype at = 0; at < answer.size(); at += 7) {
-        const QJsonObject delta{{"content", answer.mid(at, 7)}};
-        const QJsonObject chunk{{"choices", QJsonArray{QJsonObject{{"delta", delta}}}}};
-        chunks.append({"data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n",
-                       holdAt >= at && holdAt < at + 7 ? "rest" : ""});
-    }
-    chunks.append({"data: [DONE]\n\n"});
-    return chunks;
+    return streamedChatAnswer(answer, answer.indexOf("\"examples\""));
 }
 
 } // namespace
