@@ -1,6 +1,7 @@
 // orvel-server: the self-hostable card server. See --help.
 #include "app/cardserver.h"
 #include "app/serveroptions.h"
+#include "app/storecommand.h"
 
 #include <atomic>
 #include <chrono>
@@ -25,6 +26,10 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "orvel-server: %s\n", qPrintable(options.error));
         return 2;
     }
+    if (options.migrateOnly)
+        return cardserver::StoreCommand::migrateOnly(options);
+    if (options.check)
+        return cardserver::StoreCommand::check(options);
     if (sodium_init() < 0) {
         std::fprintf(stderr, "orvel-server: libsodium could not start\n");
         return 1;

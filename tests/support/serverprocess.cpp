@@ -18,6 +18,19 @@ QString ServerProcess::executable()
 #endif
 }
 
+ServerProcess::Outcome ServerProcess::run(const QStringList &arguments)
+{
+    QProcess p;
+    p.start(executable(), arguments);
+    if (!p.waitForFinished(10000)) {
+        p.kill();
+        p.waitForFinished();
+        return {-1, {}, {}};
+    }
+    return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
+            QString::fromUtf8(p.readAllStandardError())};
+}
+
 bool ServerProcess::start(int timeoutMs)
 {
     if (executable().isEmpty()) {
@@ -26,6 +39,11 @@ bool ServerProcess::start(int timeoutMs)
     }
     QStringList arguments{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:0"),
                           QStringLiteral("--data"), m_data.path()};
+    if (TestDatabase::postgresWanted() && !m_arguments.contains(QStringLiteral("--database"))) {
+        if (!m_database.create(&m_error))
+            return false;
+        arguments << QStringLiteral("--database") << m_database.url();
+    }
     arguments += m_arguments;
     m_process.setProcessChannelMode(QProcess::SeparateChannels);
     m_process.start(executable(), arguments);

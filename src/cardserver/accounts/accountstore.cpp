@@ -12,7 +12,18 @@ namespace cardserver {
 namespace {
 const QString AccountColumns =
     QStringLiteral("SELECT id, email, display_name, password_hash, confirmed FROM users ");
+
+// Addresses match without regard to ASCII case, as they always have in this store; other
+// letters are compared as written.
+QString emailKey(const QString &email)
+{
+    QString key = email;
+    for (QChar &c : key)
+        if (c.unicode() >= 'A' && c.unicode() <= 'Z')
+            c = QChar(c.unicode() + ('a' - 'A'));
+    return key;
 }
+} // namespace
 
 std::optional<Account> AccountStore::one(const QString &where, const QVariant &key)
 {
@@ -38,11 +49,15 @@ Account AccountStore::create(const QString &email, const QString &password,
         if (byEmail(email))
             throw ApiError(409, QStringLiteral("An account with this email already exists. "
                                                "Sign in instead."));
-        Sql q(m_db, "INSERT INTO users (email, password_hash, display_name, confirmed, "
-                    "created_at) VALUES (?, ?, ?, ?, ?)");
-        q.bind(email).bind(hash).bind(displayName).bind(confirmed ? 1 : 0).bind(Clock::nowText());
-        q.exec();
-        a.id = q.lastInsertId();
+        a.id = Sql(m_db, "INSERT INTO users (email, email_fold, password_hash, display_name, "
+                         "confirmed, created_at) VALUES (?, ?, ?, ?, ?, ?) RETURNING id")
+                   .bind(email)
+                   .bind(emailKey(email))
+                   .bind(hash)
+                   .bind(displayName)
+                   .bind(confirmed ? 1 : 0)
+                   .bind(Clock::nowText())
+                   .insertedId();
     });
     a.email = email;
     a.displayName = displayName;
@@ -53,7 +68,7 @@ Account AccountStore::create(const QString &email, const QString &password,
 
 std::optional<Account> AccountStore::byEmail(const QString &email)
 {
-    return one(QStringLiteral("WHERE email = ?"), email);
+    return one(QStringLiteral("WHERE email_fold = ?"), emailKey(email));
 }
 
 std::optional<Account> AccountStore::byId(qint64 id)

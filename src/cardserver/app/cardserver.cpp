@@ -36,21 +36,6 @@ namespace cardserver {
 
 namespace {
 
-QString storePath(const ServerOptions &o)
-{
-    if (o.database.isEmpty())
-        return QDir(o.dataDir).filePath(QStringLiteral("orvel.sqlite"));
-    if (o.database.startsWith(QLatin1String("postgres")))
-        throw std::runtime_error("--database postgresql:// is not supported in this build; "
-                                 "leave --database out to use SQLite");
-    if (o.database.startsWith(QLatin1String("sqlite://")))
-        return o.database.mid(9);
-    if (o.database.contains(QLatin1String("://")))
-        throw std::runtime_error(
-            ("--database: unknown kind of store \"" + o.database + "\"").toStdString());
-    return o.database;
-}
-
 void prepareDataDir(const QString &dir)
 {
     if (!QDir().mkpath(dir))
@@ -93,7 +78,7 @@ CardServer::~CardServer()
 void CardServer::start()
 {
     prepareDataDir(m_options.dataDir);
-    m_db = std::make_unique<Database>(storePath(m_options));
+    m_db = std::make_unique<Database>(StoreAddress::parse(m_options.database, m_options.dataDir));
     m_db->open();
 
     WriterConfig config;

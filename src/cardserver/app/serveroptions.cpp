@@ -39,7 +39,12 @@ QString ServerOptions::usage()
         "  --llm-model NAME     model to ask for with --writer llm\n"
         "  --dictionaries DIR   where the FreeDict dictionaries are (default /usr/share/dictd)\n"
         "  --database URL       store location: a SQLite file path or sqlite://PATH (default\n"
-        "                       DIR/orvel.sqlite); postgresql:// needs a build with QPSQL\n"
+        "                       DIR/orvel.sqlite), or postgresql://USER@HOST:PORT/DB (the\n"
+        "                       password from ORVEL_DATABASE_PASSWORD or ~/.pgpass; a Unix\n"
+        "                       socket folder as ?host=/path)\n"
+        "  --migrate-only       bring the store's schema up to date, print its version, exit\n"
+        "  --check              check that the store is reachable and its schema current;\n"
+        "                       exit 0 if so, 1 if not, with one line saying which\n"
         "  --allow-private-fetch  let outgoing requests reach loopback, link-local and private\n"
         "                       addresses (for a language model on this machine or network);\n"
         "                       without it picture imports from such addresses are refused\n"
@@ -69,7 +74,8 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
         }
         const QStringList withValue = {"--listen",       "--data",          "--writer",
                                        "--llm-url",      "--llm-model",     "--database",
-                                       "--dictionaries", "--fetch-timeout", "--test-public-host"};
+                                       "--dictionaries", "--fetch-timeout", "--test-public-host",
+                                       "--test-schema"};
         if (withValue.contains(arg) && !inlineValue) {
             if (i + 1 >= arguments.size())
                 return fail(arg + QStringLiteral(" needs a value"));
@@ -83,6 +89,16 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
             o.local = true;
         } else if (arg == QLatin1String("--test-providers")) {
             o.testProviders = true;
+        } else if (arg == QLatin1String("--migrate-only")) {
+            o.migrateOnly = true;
+        } else if (arg == QLatin1String("--check")) {
+            o.check = true;
+        } else if (arg == QLatin1String("--test-schema")) {
+            bool ok = false;
+            o.testSchema = value.toInt(&ok);
+            if (!ok || o.testSchema < 0)
+                return fail(
+                    QStringLiteral("--test-schema wants a schema version, got \"%1\"").arg(value));
         } else if (arg == QLatin1String("--allow-private-fetch")) {
             o.allowPrivateFetch = true;
         } else if (arg == QLatin1String("--fetch-timeout")) {
@@ -128,6 +144,10 @@ ServerOptions ServerOptions::parse(const QStringList &arguments)
             return fail(QStringLiteral("unknown option \"%1\" (see --help)").arg(arguments.at(i)));
         }
     }
+    if (o.migrateOnly && o.check)
+        return fail(QStringLiteral("--migrate-only and --check do not go together"));
+    if (o.testSchema >= 0 && !o.migrateOnly)
+        return fail(QStringLiteral("--test-schema goes with --migrate-only"));
     return o;
 }
 

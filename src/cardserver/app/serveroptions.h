@@ -22,6 +22,13 @@ struct ServerOptions {
     int fetchTimeoutSeconds = 20; // the whole of one outgoing picture fetch
     // Tests only: loopback "host:port" pairs treated as public addresses (--test-public-host).
     QStringList testPublicHosts;
+    // Bring the store's schema up to date, say its version, and exit (--migrate-only).
+    bool migrateOnly = false;
+    // Say whether the store is reachable and its schema current, and exit 0 or 1 (--check).
+    bool check = false;
+    // Tests only: --migrate-only stops at this schema version (--test-schema), so that a test
+    // can make a store as an earlier release left it. -1: the latest.
+    int testSchema = -1;
 
     bool help = false;
     QString error; // one-line reason when the command line is unusable

@@ -188,9 +188,8 @@ QJsonObject CardStore::insert(qint64 deckId, const QJsonObject &written)
     m_db.write([&] {
         Sql q(m_db, "INSERT INTO cards (deck_id, " + WrittenColumns.join(", ") +
                         ", created_at) VALUES (?, " +
-                        QString("?, ").repeated(WrittenColumns.size()) + "?)");
-        bindWritten(q.bind(deckId), c).bind(Clock::nowText()).exec();
-        id = q.lastInsertId();
+                        QString("?, ").repeated(WrittenColumns.size()) + "?) RETURNING id");
+        id = bindWritten(q.bind(deckId), c).bind(Clock::nowText()).insertedId();
     });
     Sql q(m_db, "SELECT " + Columns + " FROM cards c WHERE c.id = ?");
     q.bind(id).exec();
@@ -218,7 +217,7 @@ QJsonObject CardStore::review(qint64 userId, qint64 cardId, bool known)
         const qint64 deckId = deckOf(userId, cardId);
         const QString now = Clock::nowText();
         Sql(m_db, "UPDATE cards SET seen = seen + 1, known = known + ?, streak = CASE WHEN ? "
-                  "THEN streak + 1 ELSE 0 END, last_reviewed = ? WHERE id = ?")
+                  "= 1 THEN streak + 1 ELSE 0 END, last_reviewed = ? WHERE id = ?")
             .bind(known ? 1 : 0)
             .bind(known ? 1 : 0)
             .bind(now)

@@ -58,7 +58,10 @@ std::string DeckStore::summariesText(qint64 userId)
 {
     // The list is asked for on every screen and changes only when something is written, so
     // it is kept until the next write to the store. The generation is read before the query:
-    // a write that lands during it makes the kept copy stale at once.
+    // a write that lands during it makes the kept copy stale at once. Only a process that is
+    // the store's sole writer can know that nothing changed.
+    if (!m_db.soleWriter())
+        return readSummaries(userId);
     const quint64 generation = m_db.generation();
     {
         std::lock_guard lock(m_listingsLock);
@@ -128,16 +131,15 @@ QJsonObject DeckStore::create(qint64 userId, const QString &name, const QString 
         if (folderId)
             requireFolder(userId, *folderId);
         Sql q(m_db, "INSERT INTO decks (user_id, folder_id, name, description, language, "
-                    "native_language, created_at) VALUES (?, ?, ?, ?, ?, ?, ?)");
-        q.bind(userId)
-            .bind(folderId ? QVariant(*folderId) : QVariant(QMetaType(QMetaType::LongLong)))
-            .bind(name)
-            .bind(description)
-            .bind(language)
-            .bind(nativeLanguage)
-            .bind(Clock::nowText())
-            .exec();
-        id = q.lastInsertId();
+                    "native_language, created_at) VALUES (?, ?, ?, ?, ?, ?, ?) RETURNING id");
+        id = q.bind(userId)
+                 .bind(folderId ? QVariant(*folderId) : QVariant(QMetaType(QMetaType::LongLong)))
+                 .bind(name)
+                 .bind(description)
+                 .bind(language)
+                 .bind(nativeLanguage)
+                 .bind(Clock::nowText())
+                 .insertedId();
     });
     return summary(userId, id);
 }
@@ -208,9 +210,12 @@ QJsonObject DeckStore::createFolder(qint64 userId, const QString &name)
 {
     qint64 id = 0;
     m_db.write([&] {
-        Sql q(m_db, "INSERT INTO folders (user_id, name, created_at) VALUES (?, ?, ?)");
-        q.bind(userId).bind(name).bind(Clock::nowText()).exec();
-        id = q.lastInsertId();
+        id = Sql(m_db, "INSERT INTO folders (user_id, name, created_at) VALUES (?, ?, ?) "
+                       "RETURNING id")
+                 .bind(userId)
+                 .bind(name)
+                 .bind(Clock::nowText())
+                 .insertedId();
     });
     return folder(userId, id);
 }

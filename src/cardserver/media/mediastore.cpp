@@ -58,22 +58,28 @@ QJsonObject MediaStore::store(qint64 userId, const QByteArray &bytes, const Imag
     m_db.write([&] {
         Sql q(m_db, "INSERT INTO media (user_id, file, mime, width, height, origin, source_url, "
                     "author, licence, title, title_fold, created_at, animated) VALUES (?, ?, ?, ?, "
-                    "?, ?, ?, ?, ?, ?, ?, ?, ?)");
-        q.bind(userId)
-            .bind(file)
-            .bind(info.mime)
-            .bind(info.width)
-            .bind(info.height)
-            .bind(credit.origin)
-            .bind(credit.sourceUrl)
-            .bind(credit.author)
-            .bind(credit.licence)
-            .bind(credit.title)
-            .bind(TextFold::fold(credit.title))
-            .bind(Clock::nowText())
-            .bind(info.animated ? 1 : 0)
-            .exec();
-        id = q.lastInsertId();
+                    "?, ?, ?, ?, ?, ?, ?, ?, ?) RETURNING id");
+        id = q.bind(userId)
+                 .bind(file)
+                 .bind(info.mime)
+                 .bind(info.width)
+                 .bind(info.height)
+                 .bind(credit.origin)
+                 .bind(credit.sourceUrl)
+                 .bind(credit.author)
+                 .bind(credit.licence)
+                 .bind(credit.title)
+                 .bind(TextFold::fold(credit.title))
+                 .bind(Clock::nowText())
+                 .bind(info.animated ? 1 : 0)
+                 .insertedId();
+        if (m_db.engine() == Database::Engine::Postgres) {
+            Sql(m_db, "INSERT INTO media_data (media_id, bytes) VALUES (?, ?)")
+                .bind(id)
+                .bind(bytes)
+                .exec();
+            return;
+        }
         const QString folder = QDir(m_dir).filePath(QString::number(id));
         QDir().mkpath(folder);
         QFile out(QDir(folder).filePath(file));
@@ -100,16 +106,31 @@ bool MediaStore::owns(qint64 userId, qint64 mediaId)
                .scalar() > 0;
 }
 
-std::optional<MediaStore::File> MediaStore::file(qint64 mediaId, const QString &name)
+std::optional<MediaStore::Picture> MediaStore::picture(qint64 mediaId, const QString &name)
 {
     static const QRegularExpression safe(QStringLiteral("^[0-9a-f]{32}\\.(png|jpg|gif|webp)$"));
     if (!safe.match(name).hasMatch())
         return std::nullopt;
-    Sql q(m_db, "SELECT mime FROM media WHERE id = ? AND file = ?");
-    q.bind(mediaId).bind(name).exec();
-    if (!q.next())
+    if (m_db.engine() == Database::Engine::Postgres) {
+        Sql q(m_db, "SELECT m.mime, d.bytes FROM media m JOIN media_data d ON d.media_id = m.id "
+                    "WHERE m.id = ? AND m.file = ?");
+        q.bind(mediaId).bind(name).exec();
+        if (!q.next())
+            return std::nullopt;
+        return Picture{q.value(1).toByteArray(), q.text(0)};
+    }
+    QString mime;
+    {
+        Sql q(m_db, "SELECT mime FROM media WHERE id = ? AND file = ?");
+        q.bind(mediaId).bind(name).exec();
+        if (!q.next())
+            return std::nullopt;
+        mime = q.text(0);
+    }
+    QFile f(QDir(m_dir).filePath(QString::number(mediaId) + "/" + name));
+    if (!f.open(QIODevice::ReadOnly))
         return std::nullopt;
-    return File{QDir(m_dir).filePath(QString::number(mediaId) + "/" + name), q.text(0)};
+    return Picture{f.readAll(), mime};
 }
 
 QJsonArray MediaStore::search(qint64 userId, const QString &folded, bool animatedOnly, int limit)

@@ -10,10 +10,11 @@ namespace cardserver {
 
 class Database;
 
-// Pictures: files under <data>/media/<id>/<random name>.<ext>, described in the store.
-// The file name carries 128 random bits, so the address of a picture is its capability:
-// it is served to whoever holds the address, as a browser or an image view needs, while
-// every listing and lookup by id stays scoped to its owner.
+// Pictures, described in the store. Their bytes are files under <data>/media/<id>/<random
+// name>.<ext> on SQLite, and rows of media_data on PostgreSQL, where any of several server
+// processes must serve any picture. The file name carries 128 random bits, so the address of a
+// picture is its capability: it is served to whoever holds the address, as a browser or an image
+// view needs, while every listing and lookup by id stays scoped to its owner.
 class MediaStore {
 public:
     MediaStore(Database &db, QString dir);
@@ -31,12 +32,12 @@ public:
     QJsonObject media(qint64 userId, qint64 mediaId);
     bool owns(qint64 userId, qint64 mediaId);
 
-    // The picture at /media/<id>/<file>: its path on disk and type, if it exists.
-    struct File {
-        QString path;
+    // The picture at /media/<id>/<file>: its bytes and type, if it exists.
+    struct Picture {
+        QByteArray bytes;
         QString mime;
     };
-    std::optional<File> file(qint64 mediaId, const QString &name);
+    std::optional<Picture> picture(qint64 mediaId, const QString &name);
 
     // The account's own pictures whose title, or a note line carrying them, matches.
     QJsonArray search(qint64 userId, const QString &folded, bool animatedOnly, int limit);

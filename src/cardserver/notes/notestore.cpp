@@ -123,11 +123,11 @@ QJsonArray NoteStore::summaries(qint64 deckId)
     // A line is pending when it has words and its margin was not written for its text (the
     // same rule as NoteLine::pending, in SQL so the list takes one query).
     Sql q(m_db, "SELECT n.id, n.title, n.created_at, n.updated_at, COUNT(l.id), "
-                "COALESCE(SUM(CASE WHEN trim(l.text, ' ' || char(9) || char(10) || char(13)) <> "
-                "'' AND l.annotated_text <> l.text THEN 1 ELSE 0 END), 0) "
+                "COALESCE(SUM(CASE WHEN trim(l.text, ?) <> '' AND l.annotated_text <> l.text "
+                "THEN 1 ELSE 0 END), 0) "
                 "FROM notes n LEFT JOIN note_lines l ON l.note_id = n.id WHERE n.deck_id = ? "
                 "GROUP BY n.id ORDER BY n.updated_at DESC, n.id DESC");
-    q.bind(deckId).exec();
+    q.bind(QStringLiteral(" \t\n\r")).bind(deckId).exec();
     QJsonArray out;
     while (q.next())
         out.append(QJsonObject{{"id", q.integer(0)},
@@ -180,10 +180,14 @@ qint64 NoteStore::createEmpty(qint64 deckId, const QString &title)
     qint64 id = 0;
     m_db.write([&] {
         const QString now = Clock::nowText();
-        Sql q(m_db, "INSERT INTO notes (deck_id, title, title_fold, created_at, updated_at) "
-                    "VALUES (?, ?, ?, ?, ?)");
-        q.bind(deckId).bind(title).bind(TextFold::fold(title)).bind(now).bind(now).exec();
-        id = q.lastInsertId();
+        id = Sql(m_db, "INSERT INTO notes (deck_id, title, title_fold, created_at, updated_at) "
+                       "VALUES (?, ?, ?, ?, ?) RETURNING id")
+                 .bind(deckId)
+                 .bind(title)
+                 .bind(TextFold::fold(title))
+                 .bind(now)
+                 .bind(now)
+                 .insertedId();
     });
     return id;
 }

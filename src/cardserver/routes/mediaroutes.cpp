@@ -12,7 +12,6 @@
 #include "text/textfold.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QRegularExpression>
 #include <QUrl>
 
@@ -124,13 +123,12 @@ void MediaRoutes::install(Router &router, Services &s)
         });
 
     router.get(R"(/media/(\d+)/([0-9a-f]+\.[a-z]+))", Access::Public, [&s](Call &call) {
-        const auto file = s.media.file(call.id(1), call.capture(2));
-        QFile f(file ? file->path : QString());
-        if (!file || !f.open(QIODevice::ReadOnly))
+        const auto picture = s.media.picture(call.id(1), call.capture(2));
+        if (!picture)
             throw ApiError::notFound(QStringLiteral("That picture does not exist."));
         call.setHeader("Cache-Control", "private, max-age=31536000, immutable");
         call.setHeader("X-Content-Type-Options", "nosniff");
-        call.send(f.readAll(), file->mime.toStdString());
+        call.send(picture->bytes, picture->mime.toStdString());
     });
 }
 

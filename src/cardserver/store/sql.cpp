@@ -7,11 +7,11 @@
 
 namespace cardserver {
 
-Sql::Sql(Database &db, const QString &sql) : m_query(db.prepared(sql)) {}
+Sql::Sql(Database &db, const QString &sql) : m_db(db), m_query(db.prepared(sql)) {}
 
 Sql::~Sql()
 {
-    m_query.finish();
+    m_db.finished(m_query);
 }
 
 Sql &Sql::bind(const QVariant &value)
@@ -27,9 +27,7 @@ Sql &Sql::bind(const QVariant &value)
 Sql &Sql::exec()
 {
     if (!m_query.exec())
-        throw std::runtime_error(
-            ("SQL failed: " + m_query.lastError().text() + " in " + m_query.lastQuery())
-                .toStdString());
+        m_db.fail(m_query.lastError(), QStringLiteral("SQL failed in ") + m_query.lastQuery());
     return *this;
 }
 
@@ -58,9 +56,12 @@ bool Sql::isNull(int column) const
     return m_query.isNull(column);
 }
 
-qint64 Sql::lastInsertId() const
+qint64 Sql::insertedId()
 {
-    return m_query.lastInsertId().toLongLong();
+    exec();
+    if (!next())
+        throw std::runtime_error(("no id came back from " + m_query.lastQuery()).toStdString());
+    return integer(0);
 }
 
 int Sql::rowsAffected() const

@@ -9,23 +9,8 @@
 class TestCommandLine : public QObject {
     Q_OBJECT
 
-    struct Run {
-        int code;
-        QString out;
-        QString err;
-    };
-    static Run run(const QStringList &arguments)
-    {
-        QProcess p;
-        p.start(ServerProcess::executable(), arguments);
-        if (!p.waitForFinished(10000)) {
-            p.kill();
-            p.waitForFinished();
-            return {-1, {}, {}};
-        }
-        return {p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
-                QString::fromUtf8(p.readAllStandardError())};
-    }
+    using Run = ServerProcess::Outcome;
+    static Run run(const QStringList &arguments) { return ServerProcess::run(arguments); }
 
 private slots:
     void helpDocumentsEveryFlag()
@@ -48,9 +33,16 @@ private slots:
         QTest::newRow("missing value") << QStringList{"--data"};
         QTest::newRow("data is a file")
             << QStringList{"--listen", "127.0.0.1:0", "--data", "/etc/hostname"};
-        QTest::newRow("postgres") << QStringList{"--listen",   "127.0.0.1:0",
-                                                 "--data",     QDir::tempPath() + "/orvel-cl-test",
-                                                 "--database", "postgresql://db/orvel"};
+        const QStringList cl = {"--listen", "127.0.0.1:0", "--data",
+                                QDir::tempPath() + "/orvel-cl-test", "--database"};
+        QTest::newRow("postgres without a user") << cl + QStringList{"postgresql://db/orvel"};
+        QTest::newRow("postgres with a password")
+            << cl + QStringList{"postgresql://orvel:secret@db/orvel"};
+        QTest::newRow("postgres with an unknown parameter")
+            << cl + QStringList{"postgresql://orvel@db/orvel?pool=3"};
+        QTest::newRow("postgres unreachable")
+            << cl + QStringList{"postgresql://orvel@:1/orvel?host=/nonexistent"};
+        QTest::newRow("unknown store") << cl + QStringList{"mysql://orvel@db/orvel"};
         QTest::newRow("llm without url")
             << QStringList{"--listen", "127.0.0.1:0", "--data", QDir::tempPath() + "/orvel-cl-test",
                            "--writer", "llm"};
@@ -64,6 +56,7 @@ private slots:
         QVERIFY(r.out.isEmpty());
         QCOMPARE(r.err.trimmed().count('\n'), 0);
         QVERIFY(r.err.startsWith("orvel-server: "));
+        QVERIFY2(!r.err.contains("secret"), "a password given on the command line is not echoed");
     }
 
     void listeningLineAndAFreePort()
@@ -73,7 +66,9 @@ private slots:
         QCOMPARE(server.baseUrl().scheme(), QStringLiteral("http"));
         QCOMPARE(server.baseUrl().host(), QStringLiteral("127.0.0.1"));
         QVERIFY(server.baseUrl().port() > 0);
-        QVERIFY(QFile::exists(server.dataDir() + "/orvel.sqlite"));
+        // The store is where the engine under test keeps it.
+        QCOMPARE(QFile::exists(server.dataDir() + "/orvel.sqlite"),
+                 !TestDatabase::postgresWanted());
     }
 
     void stopsCleanlyOnTerminate()
