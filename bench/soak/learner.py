@@ -169,8 +169,9 @@ class Learner(threading.Thread):
         self.words = list(WORDS)
         self.random.shuffle(self.words)
         self.deck = None
+        self.decks = []
         # The ledger: what the server said it stored.
-        self.cards = {}          # card id -> term
+        self.cards = {}          # card id -> (deck id, term)
         self.reviews = {}        # card id -> [acknowledged, unanswered]
         self.notes = {}          # note id -> list of acceptable line lists (one when certain)
         self.note = None         # (id, server lines) of the note being written
@@ -185,6 +186,19 @@ class Learner(threading.Thread):
                 time.sleep(0.5)
         return None
 
+    def _new_deck(self):
+        """A deck to write cards into; every word list is written once per deck."""
+        deck = {"name": "Deutsch %d" % (len(self.decks) + 1), "description": "",
+                "language": "de", "native_language": "en"}
+        r = self._until_answered(lambda: self.api.call("POST", "/api/decks", deck, "deck"))
+        if r is None or r[0] != 201:
+            return False
+        self.deck = r[1]["id"]
+        self.decks.append(self.deck)
+        self.words = list(WORDS)
+        self.random.shuffle(self.words)
+        return True
+
     def _setup(self):
         api = self.api
         signup = {"email": self.email, "password": "soak-password", "display_name": "L"}
@@ -195,12 +209,7 @@ class Learner(threading.Thread):
         r = self._until_answered(lambda: api.call("POST", "/api/auth/login", login, "login"))
         if r is None or r[0] != 200:
             return False
-        deck = {"name": "Deutsch", "description": "", "language": "de", "native_language": "en"}
-        r = self._until_answered(lambda: api.call("POST", "/api/decks", deck, "deck"))
-        if r is None or r[0] != 201:
-            return False
-        self.deck = r[1]["id"]
-        return True
+        return self._new_deck()
 
     def run(self):
         time.sleep(self.start_delay)
@@ -211,9 +220,11 @@ class Learner(threading.Thread):
         self.stats.count("learners.started")
         while time.monotonic() < self.deadline:
             r = self.random.random()
-            if self.words and (len(self.cards) < 2 or r < 0.2):
+            if not self.words and not self._new_deck():
+                continue
+            if len(self.cards) < 2 or r < 0.2:
                 self.write_card()
-            elif self.words and r < 0.25:
+            elif r < 0.25:
                 self.write_batch()
             elif r < 0.75:
                 self.save_line()
@@ -254,7 +265,7 @@ class Learner(threading.Thread):
             self.stats.count("streams.lost_or_reordered")
         if types[-1] == "card":
             card = events[-1]["card"]
-            self.cards[card["id"]] = card["term"]
+            self.cards[card["id"]] = (self.deck, card["term"])
             self.stats.count("ack.cards")
         else:
             self.stats.count("cards.refused_by_writer")
@@ -284,7 +295,7 @@ class Learner(threading.Thread):
             ok = w.get("type") == "word" and w.get("index") == i and \
                 outcome.get("type") in ("card", "skipped", "failed") and outcome.get("index") == i
             if ok and outcome["type"] == "card":
-                self.cards[outcome["card"]["id"]] = outcome["card"]["term"]
+                self.cards[outcome["card"]["id"]] = (self.deck, outcome["card"]["term"])
                 self.stats.count("ack.cards")
         if not ok:
             self.stats.problem("batch %s out of order: %s" % (terms, [e.get("type") for e in events]))
@@ -375,9 +386,12 @@ class Learner(threading.Thread):
                     time.sleep(0.5)
             return None, None
 
-        status, deck = fetch("/api/decks/%d" % self.deck)
-        stored = {c["id"]: c for c in (deck or {}).get("cards", [])} if status == 200 else {}
-        for card_id, term in self.cards.items():
+        stored = {}
+        for deck_id in self.decks:
+            status, deck = fetch("/api/decks/%d" % deck_id)
+            if status == 200:
+                stored.update({c["id"]: c for c in deck.get("cards", [])})
+        for card_id, (_, term) in self.cards.items():
             checked += 1
             c = stored.get(card_id)
             if c is None or c["term"] != term:
