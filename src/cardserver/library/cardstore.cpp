@@ -3,6 +3,7 @@
 #include "http/apierror.h"
 #include "store/database.h"
 #include "store/sql.h"
+#include "store/textmatch.h"
 #include "text/clock.h"
 #include "text/jsonwriter.h"
 #include "text/textfold.h"
@@ -199,14 +200,16 @@ QJsonObject CardStore::insert(qint64 deckId, const QJsonObject &written)
 
 QJsonObject CardStore::rewrite(qint64 userId, qint64 cardId, const QJsonObject &written)
 {
-    QJsonObject c = normalised(written);
+    const QJsonObject c = normalised(written);
     m_db.write([&] {
-        card(userId, cardId); // 404 unless it is the account's
-        // A rewrite that comes back without a term keeps the card's own.
-        if (c.value("term").toString().isEmpty())
-            c.insert("term", card(userId, cardId).value("term"));
+        // A rewrite that comes back without a term keeps the card's own (as this run of the
+        // transaction reads it: the write may run again).
+        QJsonObject row = c;
+        const QJsonObject current = card(userId, cardId); // 404 unless it is the account's
+        if (row.value("term").toString().isEmpty())
+            row.insert("term", current.value("term"));
         Sql q(m_db, "UPDATE cards SET " + WrittenColumns.join(" = ?, ") + " = ? WHERE id = ?");
-        bindWritten(q, c).bind(cardId).exec();
+        bindWritten(q, row).bind(cardId).exec();
     });
     return card(userId, cardId);
 }
@@ -250,10 +253,11 @@ qint64 CardStore::deckOf(qint64 userId, qint64 cardId)
 
 QJsonArray CardStore::search(qint64 userId, const QString &foldedQuery, int limit)
 {
+    const TextMatch match(m_db.engine(), foldedQuery);
     Sql q(m_db, "SELECT " + Columns +
-                    " FROM cards c JOIN decks d ON d.id = c.deck_id WHERE d.user_id = ? AND "
-                    "instr(c.search_fold, ?) > 0 ORDER BY c.id DESC LIMIT ?");
-    q.bind(userId).bind(foldedQuery).bind(limit).exec();
+                    " FROM cards c JOIN decks d ON d.id = c.deck_id WHERE d.user_id = ? AND " +
+                    match.on("c.search_fold") + " ORDER BY c.id DESC LIMIT ?");
+    q.bind(userId).bind(match.value()).bind(limit).exec();
     QJsonArray out;
     while (q.next())
         out.append(fromRow(q));

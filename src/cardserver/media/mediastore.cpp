@@ -3,6 +3,7 @@
 #include "http/apierror.h"
 #include "store/database.h"
 #include "store/sql.h"
+#include "store/textmatch.h"
 #include "text/clock.h"
 #include "text/randomtoken.h"
 #include "text/textfold.h"
@@ -135,13 +136,18 @@ std::optional<MediaStore::Picture> MediaStore::picture(qint64 mediaId, const QSt
 
 QJsonArray MediaStore::search(qint64 userId, const QString &folded, bool animatedOnly, int limit)
 {
-    Sql q(
-        m_db,
-        "SELECT " + Columns +
-            " FROM media m WHERE m.user_id = ? AND (? = '' OR instr(m.title_fold, ?) > 0 "
-            "OR EXISTS (SELECT 1 FROM note_lines l WHERE l.media_id = m.id AND "
-            "instr(l.text_fold, ?) > 0)) AND (? = 0 OR m.animated = 1) ORDER BY m.id DESC LIMIT ?");
-    q.bind(userId).bind(folded).bind(folded).bind(folded).bind(animatedOnly ? 1 : 0).bind(limit);
+    const TextMatch match(m_db.engine(), folded);
+    Sql q(m_db, "SELECT " + Columns + " FROM media m WHERE m.user_id = ? AND (? = '' OR " +
+                    match.on("m.title_fold") +
+                    " OR EXISTS (SELECT 1 FROM note_lines l WHERE l.media_id = m.id AND " +
+                    match.on("l.text_fold") +
+                    ")) AND (? = 0 OR m.animated = 1) ORDER BY m.id DESC LIMIT ?");
+    q.bind(userId)
+        .bind(folded)
+        .bind(match.value())
+        .bind(match.value())
+        .bind(animatedOnly ? 1 : 0)
+        .bind(limit);
     q.exec();
     QJsonArray out;
     while (q.next()) {

@@ -5,6 +5,7 @@
 #include "media/mediastore.h"
 #include "store/database.h"
 #include "store/sql.h"
+#include "store/textmatch.h"
 #include "text/clock.h"
 #include "text/textfold.h"
 
@@ -399,10 +400,11 @@ void NoteStore::touch(qint64 noteId)
 
 QJsonArray NoteStore::searchNotes(qint64 userId, const QString &folded, int limit)
 {
+    const TextMatch match(m_db.engine(), folded);
     Sql q(m_db, "SELECT n.id, n.deck_id, n.title FROM notes n JOIN decks d ON d.id = n.deck_id "
-                "WHERE d.user_id = ? AND instr(n.title_fold, ?) > 0 ORDER BY n.updated_at DESC "
-                "LIMIT ?");
-    q.bind(userId).bind(folded).bind(limit).exec();
+                "WHERE d.user_id = ? AND " +
+                    match.on("n.title_fold") + " ORDER BY n.updated_at DESC LIMIT ?");
+    q.bind(userId).bind(match.value()).bind(limit).exec();
     QJsonArray out;
     while (q.next())
         out.append(
@@ -412,10 +414,11 @@ QJsonArray NoteStore::searchNotes(qint64 userId, const QString &folded, int limi
 
 QJsonArray NoteStore::searchLines(qint64 userId, const QString &folded, int limit)
 {
+    const TextMatch match(m_db.engine(), folded);
     Sql q(m_db, "SELECT l.id, l.note_id, n.deck_id, n.title, l.text FROM note_lines l JOIN notes "
-                "n ON n.id = l.note_id JOIN decks d ON d.id = n.deck_id WHERE d.user_id = ? AND "
-                "instr(l.text_fold, ?) > 0 ORDER BY n.updated_at DESC, l.ordinal LIMIT ?");
-    q.bind(userId).bind(folded).bind(limit).exec();
+                "n ON n.id = l.note_id JOIN decks d ON d.id = n.deck_id WHERE d.user_id = ? AND " +
+                    match.on("l.text_fold") + " ORDER BY n.updated_at DESC, l.ordinal LIMIT ?");
+    q.bind(userId).bind(match.value()).bind(limit).exec();
     QJsonArray out;
     while (q.next())
         out.append(QJsonObject{{"id", q.integer(0)},

@@ -37,20 +37,26 @@ Connection *ConnectionPool::take()
 
 void ConnectionPool::give(Connection *connection)
 {
-    std::unique_ptr<Connection> closing;
+    std::vector<std::unique_ptr<Connection>> closing; // closed outside the lock
     {
         std::lock_guard lock(m_lock);
         if (connection->broken()) {
-            const auto it = std::find_if(m_all.begin(), m_all.end(),
-                                         [&](const auto &c) { return c.get() == connection; });
-            closing = std::move(*it);
-            m_all.erase(it);
-            --m_openCount;
+            // One lost connection usually means the server restarted: the idle ones are lost
+            // too, so they are closed with it and opened afresh when needed.
+            m_idle.push_back(connection);
+            for (Connection *c : m_idle) {
+                const auto it = std::find_if(m_all.begin(), m_all.end(),
+                                             [&](const auto &held) { return held.get() == c; });
+                closing.push_back(std::move(*it));
+                m_all.erase(it);
+                --m_openCount;
+            }
+            m_idle.clear();
         } else {
             m_idle.push_back(connection);
         }
     }
-    m_freed.notify_one();
+    m_freed.notify_all();
 }
 
 } // namespace cardserver

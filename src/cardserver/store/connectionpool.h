@@ -25,7 +25,8 @@ public:
     // A free connection, opened when none is idle and the pool is not full. Throws
     // std::runtime_error when a new connection cannot be opened.
     Connection *take();
-    // Gives a connection back; a broken one is closed and its place freed.
+    // Gives a connection back; a broken one is closed with every idle one, and their places
+    // freed.
     void give(Connection *connection);
 
 private:

@@ -114,6 +114,13 @@ std::unique_ptr<Connection> Database::openConnection()
         throw std::runtime_error(("cannot reach the " + m_address.describe() + ": " +
                                   db.lastError().databaseText().simplified())
                                      .toStdString());
+    // libpq prints the server's notices on standard error ("relation already exists,
+    // skipping"): only warnings and worse belong in the log.
+    QSqlQuery quiet(db);
+    if (!quiet.exec(QStringLiteral("SET client_min_messages TO warning")))
+        throw std::runtime_error(("cannot set up a connection to the " + m_address.describe() +
+                                  ": " + quiet.lastError().databaseText().simplified())
+                                     .toStdString());
     return c;
 }
 
@@ -176,12 +183,16 @@ void Database::open()
 
 bool Database::reachable()
 {
-    try {
-        execute(QStringLiteral("SELECT 1"));
-        return true;
-    } catch (const std::exception &) {
-        return false;
+    // A second try runs on a new connection when the first found its connection lost (the
+    // database server restarted since it was opened).
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        try {
+            execute(QStringLiteral("SELECT 1"));
+            return true;
+        } catch (const std::exception &) {
+        }
     }
+    return false;
 }
 
 QSqlQuery &Database::prepared(const QString &sql)
@@ -199,6 +210,23 @@ void Database::finished(QSqlQuery &query)
 {
     query.finish();
     letGo();
+}
+
+QSqlQuery *Database::preparedAfresh(QSqlQuery &failed)
+{
+    ThreadState &state = threadState();
+    if (engine() != Engine::Postgres || state.holds != 1 || state.writeDepth > 0 ||
+        !connectionLost(failed.lastError()))
+        return nullptr;
+    const QString sql = failed.lastQuery();
+    const QVariantList values = failed.boundValues();
+    state.connection->markBroken();
+    failed.finish();
+    letGo();
+    QSqlQuery &again = prepared(sql);
+    for (int i = 0; i < values.size(); ++i)
+        again.bindValue(i, values.at(i));
+    return &again;
 }
 
 void Database::execute(const QString &sql)
@@ -299,27 +327,37 @@ void Database::writePostgres(ThreadState &state, const std::function<void()> &wo
 {
     for (int attempt = 1;; ++attempt) {
         hold();
+        // A COMMIT that fails has ended the transaction already: no ROLLBACK after it.
+        bool committing = false;
         try {
             execute(QStringLiteral("BEGIN ISOLATION LEVEL SERIALIZABLE"));
             state.writeDepth = 1;
             work();
             state.writeDepth = 0;
+            committing = true;
             execute(QStringLiteral("COMMIT"));
             m_generation.fetch_add(1, std::memory_order_acq_rel);
             letGo();
             return;
         } catch (const WriteConflict &conflict) {
             state.writeDepth = 0;
-            rollbackQuietly();
+            if (!committing)
+                rollbackQuietly();
             letGo();
             if (attempt >= WriteAttempts)
                 throw std::runtime_error(std::string("a write kept conflicting with others: ") +
                                          conflict.what());
         } catch (...) {
             state.writeDepth = 0;
-            rollbackQuietly();
+            // A transaction whose connection was lost before COMMIT left nothing behind, so it
+            // runs again on a new connection (once). Lost during COMMIT, it may have landed:
+            // that is reported, never guessed.
+            const bool lost = state.connection->broken();
+            if (!committing && !lost)
+                rollbackQuietly();
             letGo();
-            throw;
+            if (!lost || committing || attempt > 1)
+                throw;
         }
         // Conflicting transactions back off for a random while, growing with each attempt, so
         // that they do not meet again at once.

@@ -52,6 +52,10 @@ public:
     // `Sql` finish it.
     QSqlQuery &prepared(const QString &sql);
     void finished(QSqlQuery &query);
+    // After `failed` lost its connection: when it was this thread's only statement (no
+    // transaction, nothing else open), the same statement with the same values on a new
+    // connection, which the thread then holds instead; else null.
+    QSqlQuery *preparedAfresh(QSqlQuery &failed);
 
     // Runs one statement that is not prepared: schema changes and transaction control.
     void execute(const QString &sql);

@@ -35,7 +35,7 @@ public:
 
 private:
     Database &m_db;
-    QSqlQuery &m_query;
+    QSqlQuery *m_query;
     int m_next = 0;
 };
 

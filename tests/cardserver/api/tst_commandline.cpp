@@ -17,8 +17,9 @@ private slots:
     {
         const Run r = run({"--help"});
         QCOMPARE(r.code, 0);
-        for (const char *flag : {"--listen", "--data", "--local", "--writer", "--llm-url",
-                                 "--llm-model", "--database", "--test-providers", "--help"})
+        for (const char *flag :
+             {"--listen", "--data", "--local", "--writer", "--llm-url", "--llm-model", "--database",
+              "--test-providers", "--help", "--migrate-only", "--check"})
             QVERIFY2(r.out.contains(flag), flag);
     }
 

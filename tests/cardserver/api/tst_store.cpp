@@ -238,6 +238,58 @@ private slots:
         QCOMPARE(ServerProcess::run(s.args({"--migrate-only"})).code, 1);
     }
 
+    void searchTakesWildcardsLiterally()
+    {
+        ServerProcess server({"--local"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.join("finder@example.org");
+        const qint64 deck = api.deck()["id"].toInteger();
+        api.note(deck, "Fully 100% sure", "snake_case here\nsnakeXcase there\nback\\slash");
+        api.note(deck, "Fully 1000 sure", "nothing");
+        auto found = [&](const QString &q, const char *what) {
+            return api.get("/api/search?q=" + QUrl::toPercentEncoding(q))[what].toArray().size();
+        };
+        QCOMPARE(found("100%", "notes"), 1);
+        QCOMPARE(found("10", "notes"), 2);
+        QCOMPARE(found("e_c", "lines"), 1);
+        QCOMPARE(found("\\s", "lines"), 1);
+        QCOMPARE(found("%", "lines"), 0);
+        QCOMPARE(found("SNAKE", "lines"), 2);
+    }
+
+    void lostConnectionsAreReplaced()
+    {
+        if (!TestDatabase::postgresWanted())
+            QSKIP("only a database server drops connections");
+        ServerProcess server({"--local"});
+        QVERIFY(startServer(server));
+        Api api(server.baseUrl());
+        api.join("steady@example.org");
+        api.deck("Before");
+        // What a restart of the database server does to every connection the server holds.
+        auto dropConnections = [&] {
+            QSqlQuery q(server.database().connect(QString()));
+            QVERIFY2(q.exec("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE "
+                            "application_name = 'orvel-server' AND datname = current_database()"),
+                     qPrintable(q.lastError().text()));
+            int dropped = 0;
+            while (q.next())
+                dropped += q.value(0).toBool() ? 1 : 0;
+            QVERIFY(dropped > 0);
+        };
+        dropConnections();
+        QCOMPARE(api.get("/api/decks").array().size(), 1);
+        dropConnections();
+        QCOMPARE(api.post("/api/decks", QJsonObject{{"name", "After"},
+                                                    {"description", ""},
+                                                    {"language", "de"},
+                                                    {"native_language", "en"}})
+                     .status,
+                 201);
+        QCOMPARE(api.get("/api/decks").array().size(), 2);
+    }
+
     void concurrentWritesAllLand()
     {
         ServerProcess server({"--local"});
