@@ -57,12 +57,13 @@ DeckInfo DeckStore::info(qint64 userId, qint64 deckId)
 std::string DeckStore::summariesText(qint64 userId)
 {
     // The list is asked for on every screen and changes only when something is written, so
-    // it is kept until the next write to the store. The generation is read before the query:
-    // a write that lands during it makes the kept copy stale at once. Only a process that is
-    // the store's sole writer can know that nothing changed.
-    if (!m_db.soleWriter())
+    // it is kept until the next write to the store, through this process or another. The
+    // stamp is read before the query: a write that lands during it makes the kept copy stale
+    // at once. Where the store cannot say cheaply whether it changed, nothing is kept.
+    const std::optional<quint64> stamp = m_db.changeStamp();
+    if (!stamp)
         return readSummaries(userId);
-    const quint64 generation = m_db.generation();
+    const quint64 generation = *stamp;
     {
         std::lock_guard lock(m_listingsLock);
         const auto it = m_listings.constFind(userId);

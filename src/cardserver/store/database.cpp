@@ -3,6 +3,7 @@
 #include "store/connection.h"
 #include "store/connectionpool.h"
 #include "store/schema.h"
+#include "store/sql.h"
 #include "store/writeconflict.h"
 
 #include <chrono>
@@ -24,6 +25,8 @@ struct Database::ThreadState {
     Connection *connection = nullptr;
     int holds = 0;
     int writeDepth = 0;
+    // What PRAGMA data_version said last on `own`; -1 before the first look.
+    qint64 dataVersion = -1;
 };
 
 namespace {
@@ -148,6 +151,7 @@ void Database::letGo()
     } else if (state.connection->broken()) {
         state.own.reset();
         state.connection = nullptr;
+        state.dataVersion = -1;
     }
 }
 
@@ -281,6 +285,22 @@ void Database::rollbackQuietly()
     } catch (const std::exception &) {
         // The transaction is gone with the connection, or was never begun.
     }
+}
+
+std::optional<quint64> Database::changeStamp()
+{
+    if (engine() != Engine::Sqlite)
+        return std::nullopt;
+    // data_version changes on a connection when any other connection has committed; a thread
+    // that finds it changed (or looks for the first time, on a new connection) cannot tell
+    // since when, so it moves the number for every thread.
+    const qint64 version = Sql(*this, QStringLiteral("PRAGMA data_version")).scalar(-1);
+    ThreadState &state = threadState();
+    if (version < 0 || version != state.dataVersion) {
+        state.dataVersion = version;
+        m_generation.fetch_add(1, std::memory_order_acq_rel);
+    }
+    return m_generation.load(std::memory_order_acquire);
 }
 
 void Database::writeSqlite(ThreadState &state, const std::function<void()> &work)

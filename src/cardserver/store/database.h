@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <QSqlQuery>
 #include <QString>
 
@@ -68,12 +69,13 @@ public:
     // (after a conflict), so it must only change the store and variables it sets afresh.
     void write(const std::function<void()> &work);
 
-    // Counts write transactions committed by this process: a reply computed while this number
-    // stayed the same is still current, provided soleWriter().
-    quint64 generation() const { return m_generation.load(std::memory_order_acquire); }
-    // Whether this process is the only one writing to the store (SQLite). On PostgreSQL other
-    // processes may write too, so nothing may be kept on the strength of generation().
-    bool soleWriter() const { return engine() == Engine::Sqlite; }
+    // A number that moves whenever the store may have changed, read before computing a reply
+    // that is kept: while it stays the same, the kept reply is still current. It counts the
+    // write transactions this process committed and, on SQLite, the commits of every other
+    // connection (another process's too) that this thread's connection has seen since it last
+    // looked (PRAGMA data_version). Empty on PostgreSQL, which has no such cheap question:
+    // nothing may be kept there.
+    std::optional<quint64> changeStamp();
 
 private:
     struct ThreadState;

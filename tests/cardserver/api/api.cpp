@@ -123,8 +123,11 @@ Api::Stream Api::stream(const QString &path, const QJsonValue &body)
         while ((end = buffer.indexOf('\n')) >= 0) {
             const QByteArray line = buffer.left(end);
             buffer.remove(0, end + 1);
-            if (line.startsWith("data: "))
-                s.events.append(QJsonDocument::fromJson(line.mid(6)).object());
+            if (!line.startsWith("data: "))
+                continue;
+            s.events.append(QJsonDocument::fromJson(line.mid(6)).object());
+            if (m_watcher)
+                m_watcher(s.events.last());
         }
         return true;
     };

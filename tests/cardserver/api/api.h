@@ -1,6 +1,7 @@
 #pragma once
 #include "serverprocess.h"
 
+#include <functional>
 #include <httplib.h>
 #include <memory>
 #include <QByteArray>
@@ -44,6 +45,11 @@ public:
         QStringList types() const;
     };
     Stream stream(const QString &path, const QJsonValue &body);
+    // Called with each event of a later stream as soon as it has arrived, before the rest.
+    void watchStreams(std::function<void(const QJsonObject &)> watcher)
+    {
+        m_watcher = std::move(watcher);
+    }
 
     QString cookie() const { return m_cookie; }
     void setCookie(const QString &c) { m_cookie = c; }
@@ -72,6 +78,7 @@ private:
     std::unique_ptr<httplib::Client> m_client;
     QString m_cookie;
     httplib::Headers m_extra;
+    std::function<void(const QJsonObject &)> m_watcher;
 };
 
 // Starts a server for a test case; QFAIL-style helpers go in the tests themselves.

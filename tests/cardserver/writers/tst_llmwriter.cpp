@@ -1,3 +1,4 @@
+#include "chatanswer.h"
 #include "scriptedserver.h"
 #include "writers/llmwriter.h"
 #include "writers/partialjson.h"
@@ -10,22 +11,6 @@
 using namespace cardserver;
 
 namespace {
-
-// A chat-completions answer as a model streams it: a few characters per event, then [DONE].
-// The piece that holds the character `holdAt` waits for the gate "rest", so a test sees what
-// the writer reported before the rest was sent.
-QList<ScriptedServer::Chunk> streamed(const QString &answer, qsizetype holdAt = -1)
-{
-    QList<ScriptedServer::Chunk> chunks;
-    for (qsizetype at = 0; at < answer.size(); at += 7) {
-        const QJsonObject delta{{"content", answer.mid(at, 7)}};
-        const QJsonObject chunk{{"choices", QJsonArray{QJsonObject{{"delta", delta}}}}};
-        chunks.append({"data: " + QJsonDocument(chunk).toJson(QJsonDocument::Compact) + "\n\n",
-                       holdAt >= at && holdAt < at + 7 ? "rest" : ""});
-    }
-    chunks.append({"data: [DONE]\n\n"});
-    return chunks;
-}
 
 // The model's address, as the writer is configured with it.
 QString base(const ScriptedServer &model)
@@ -105,7 +90,7 @@ private slots:
         // The examples are held back until the definition has been reported: the writing ends
         // only if each field was reported as soon as it was there.
         model.stream("POST", "/v1/chat/completions",
-                     streamed(answer, answer.indexOf("\"examples\"")));
+                     streamedChatAnswer(answer, answer.indexOf("\"examples\"")));
         LlmWriter writer(base(model), "test-model", "secret", loopbackAllowed());
         QStringList order;
         QHash<QString, int> counts;
@@ -159,7 +144,8 @@ private slots:
             }
         };
         const auto answer = [&](const char *text) {
-            model.stream("POST", "/v1/chat/completions", streamed(QString::fromUtf8(text)));
+            model.stream("POST", "/v1/chat/completions",
+                         streamedChatAnswer(QString::fromUtf8(text)));
         };
         answer(R"({"term": "Hund", "translation": "dog", "examples": [)");
         expect503("could not be read");
@@ -191,7 +177,7 @@ private slots:
     void refusesAModelOnLoopbackUnlessAllowed()
     {
         ScriptedServer model;
-        model.stream("POST", "/v1/chat/completions", streamed(kCard));
+        model.stream("POST", "/v1/chat/completions", streamedChatAnswer(kCard));
         LlmWriter writer(base(model), "m", "", AddressPolicy());
         try {
             writer.writeCard(kGerman, "Hund", {});
@@ -213,7 +199,7 @@ private slots:
             {"term": "hund", "gloss": "dog again"}]})";
         // The rest waits until the first word has been reported.
         model.stream("POST", "/v1/chat/completions",
-                     streamed(answer, answer.indexOf("{\"term\": \"bellen\"")));
+                     streamedChatAnswer(answer, answer.indexOf("{\"term\": \"bellen\"")));
         LlmWriter writer(base(model), "m", "", loopbackAllowed());
         QList<QJsonObject> words;
         const QJsonArray all =
@@ -232,7 +218,8 @@ private slots:
         ScriptedServer model;
         LlmWriter writer(base(model), "m", "", loopbackAllowed());
         const auto answer = [&](const char *text) {
-            model.stream("POST", "/v1/chat/completions", streamed(QString::fromUtf8(text)));
+            model.stream("POST", "/v1/chat/completions",
+                         streamedChatAnswer(QString::fromUtf8(text)));
         };
         answer(R"({"title": "Greetings", "gist": "Say hello.", "phrases": [{"phrase": "Hallo",
             "meaning": "hello"}], "correction": {"wrong": "Gute Morgen", "right": "Guten Morgen"}})");
