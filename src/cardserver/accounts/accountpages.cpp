@@ -47,6 +47,12 @@ QString AccountPages::linkSent(const QString &email)
                     .arg(email.toHtmlEscaped()));
 }
 
+QString AccountPages::tooManyLinks(const QString &message)
+{
+    return page(QStringLiteral("Too many links"),
+                QStringLiteral("<p class=\"trouble\">%1</p>").arg(message.toHtmlEscaped()));
+}
+
 QString AccountPages::resetForm(const QString &token, const QString &trouble)
 {
     const QString note =

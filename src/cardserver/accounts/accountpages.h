@@ -11,6 +11,7 @@ public:
     static QString confirmed(bool ok);
     static QString forgotForm(const QString &email);
     static QString linkSent(const QString &email);
+    static QString tooManyLinks(const QString &message);
     static QString resetForm(const QString &token, const QString &trouble);
     static QString resetDone();
     static QString resetInvalid();

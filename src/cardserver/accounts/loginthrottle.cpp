@@ -27,6 +27,12 @@ QString clientKey(const QString &client)
     return RandomToken::digest(QStringLiteral("client\n") + client);
 }
 
+QString mailKey(const char *kind, const QString &subject)
+{
+    return RandomToken::digest(QStringLiteral("mail %1\n").arg(QLatin1String(kind)) +
+                               subject.toCaseFolded());
+}
+
 qint64 nowMs()
 {
     return QDateTime::currentMSecsSinceEpoch();
@@ -53,29 +59,24 @@ qint64 LoginThrottle::waitFor(const Rule &rule, qint64 failures, qint64 lastFail
     return std::max<qint64>(0, lastFailureMs + steps * m_firstDelayMs - now);
 }
 
-std::chrono::milliseconds LoginThrottle::waitBefore(const QString &email, const QString &client)
+std::chrono::milliseconds LoginThrottle::longestWait(std::initializer_list<Counter> counters)
 {
-    static constexpr Rule pair{5, 64};
-    static constexpr Rule byClient{20, 64};
-    static constexpr Rule byAddress{10, 4};
-    const QString keys[] = {pairKey(email, client), clientKey(client), addressKey(email)};
-    const Rule *rules[] = {&pair, &byClient, &byAddress};
     const qint64 now = nowMs();
     qint64 wait = 0;
-    for (int i = 0; i < 3; ++i) {
+    for (const Counter &c : counters) {
         Sql q(m_db, "SELECT failures, last_failure FROM login_failures WHERE subject = ?");
-        q.bind(keys[i]).exec();
+        q.bind(c.key).exec();
         if (q.next())
-            wait = std::max(wait, waitFor(*rules[i], q.integer(0), q.integer(1), now));
+            wait = std::max(wait, waitFor(c.rule, q.integer(0), q.integer(1), now));
     }
     return std::chrono::milliseconds(wait);
 }
 
-void LoginThrottle::failed(const QString &email, const QString &client)
+void LoginThrottle::count(std::initializer_list<QString> keys)
 {
     const qint64 now = nowMs();
     m_db.write([&] {
-        for (const QString &key : {pairKey(email, client), clientKey(client), addressKey(email)}) {
+        for (const QString &key : keys) {
             // A counter quiet for longer than it is remembered starts again at one.
             Sql(m_db,
                 "INSERT INTO login_failures (subject, failures, last_failure) VALUES (?, 1, ?) "
@@ -88,6 +89,31 @@ void LoginThrottle::failed(const QString &email, const QString &client)
                 .exec();
         }
     });
+}
+
+std::chrono::milliseconds LoginThrottle::waitBefore(const QString &email, const QString &client)
+{
+    return longestWait({{pairKey(email, client), {5, 64}},
+                        {clientKey(client), {20, 64}},
+                        {addressKey(email), {10, 4}}});
+}
+
+void LoginThrottle::failed(const QString &email, const QString &client)
+{
+    count({pairKey(email, client), clientKey(client), addressKey(email)});
+}
+
+std::chrono::milliseconds LoginThrottle::mailWaitBefore(const QString &email, const QString &client)
+{
+    // A few links to one address, a few more from one client; then each next one waits twice
+    // as long, up to a few minutes (with the default one-second first delay).
+    return longestWait(
+        {{mailKey("address", email), {3, 256}}, {mailKey("client", client), {10, 512}}});
+}
+
+void LoginThrottle::mailAsked(const QString &email, const QString &client)
+{
+    count({mailKey("address", email), mailKey("client", client)});
 }
 
 void LoginThrottle::succeeded(const QString &email, const QString &client)

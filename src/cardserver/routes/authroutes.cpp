@@ -47,6 +47,34 @@ void checkPassword(const QString &password)
         throw ApiError::invalid(QStringLiteral("That password is too long."));
 }
 
+qint64 wholeSeconds(std::chrono::milliseconds wait)
+{
+    return (wait.count() + 999) / 1000;
+}
+
+// Answers 429 with Retry-After while `wait` is not over.
+void refuseWhileWaiting(Call &call, std::chrono::milliseconds wait)
+{
+    if (wait.count() <= 0)
+        return;
+    const qint64 seconds = wholeSeconds(wait);
+    call.setHeader("Retry-After", std::to_string(seconds));
+    throw ApiError(429, QStringLiteral("Too many tries. Wait %1 %2, then try again.")
+                            .arg(seconds)
+                            .arg(seconds == 1 ? "second" : "seconds"));
+}
+
+// Counts a request for a mailed link, or refuses it while this address or this client has
+// asked for too many. A one-person server (--local) has no one to ration.
+void rationMail(Call &call, Services &s, const QString &email)
+{
+    if (s.options.local)
+        return;
+    const QString client = s.clientAddress.of(call);
+    refuseWhileWaiting(call, s.throttle.mailWaitBefore(email, client));
+    s.throttle.mailAsked(email, client);
+}
+
 void sendConfirmation(Services &s, const Account &a)
 {
     const QString token = s.accounts.issueToken(a.id, "confirm", ConfirmSeconds);
@@ -88,6 +116,7 @@ void AuthRoutes::install(Router &router, Services &s)
             name = email.section('@', 0, 0);
         if (name.size() > 100)
             throw ApiError::invalid(QStringLiteral("That name is too long."));
+        rationMail(call, s, email);
         const Account a = s.accounts.create(email, password, name, s.options.local);
         sendConfirmation(s, a);
         call.reply(QJsonObject{{"ok", true}}, 201);
@@ -95,6 +124,7 @@ void AuthRoutes::install(Router &router, Services &s)
 
     router.post(R"(/api/auth/resend)", Access::Public, [&s](Call &call) {
         const QString email = checkedEmail(call.body().string("email"));
+        rationMail(call, s, email);
         // The answer is the same whether or not the address has an account.
         if (const auto a = s.accounts.byEmail(email); a && !a->confirmed)
             sendConfirmation(s, *a);
@@ -109,13 +139,7 @@ void AuthRoutes::install(Router &router, Services &s)
         if (password.size() > 1024)
             throw ApiError::invalid(QStringLiteral("That password is too long."));
         const QString client = s.clientAddress.of(call);
-        if (const auto wait = s.throttle.waitBefore(email, client); wait.count() > 0) {
-            const qint64 seconds = (wait.count() + 999) / 1000;
-            call.setHeader("Retry-After", std::to_string(seconds));
-            throw ApiError(429, QStringLiteral("Too many tries. Wait %1 %2, then try again.")
-                                    .arg(seconds)
-                                    .arg(seconds == 1 ? "second" : "seconds"));
-        }
+        refuseWhileWaiting(call, s.throttle.waitBefore(email, client));
         const auto account = s.accounts.byEmail(email);
         // An unknown address costs the same hashing time as a wrong password, so the answer's
         // timing does not tell which addresses have accounts.
@@ -206,6 +230,14 @@ void AuthRoutes::install(Router &router, Services &s)
     router.post(R"(/app/forgot)", Access::Public, [&s](Call &call) {
         const QString email = call.query("email").trimmed();
         // The page is the same either way; an address that cannot be one is not looked up.
+        if (emailShaped(email)) {
+            try {
+                rationMail(call, s, email);
+            } catch (const ApiError &e) {
+                call.html(AccountPages::tooManyLinks(e.message()), e.status());
+                return;
+            }
+        }
         if (const auto a = emailShaped(email) ? s.accounts.byEmail(email) : std::nullopt) {
             const QString token = s.accounts.issueToken(a->id, "reset", ResetSeconds);
             const QString link = s.publicUrl + "/app?reset=" + token;

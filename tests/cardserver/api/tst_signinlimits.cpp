@@ -2,11 +2,13 @@
 // counted per address and per client IP in the store (two servers on one store share them), so
 // that failures from elsewhere delay the owner of an address only a little; the address is checked
 // before anything is looked up; password hashes run a few at a time, and a sign-in that finds no
-// free worker in time hears the server is busy.
+// free worker in time hears the server is busy; mailed links are rationed per address and
+// per client.
 #include "api.h"
 #include "processmemory.h"
 
 #include <atomic>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
@@ -132,6 +134,51 @@ private slots:
         QCOMPARE(onceLetThrough(*owner, "ann@example.org", "the right one"), 200);
         // Other addresses are not slowed at all.
         QCOMPARE(login(*client(server, "203.0.113.10"), "ann2@example.org", "guess").status, 401);
+    }
+
+    void mailedLinksAreRationed()
+    {
+        // Not --local: links go out by mail, so each request here would write one.
+        ServerProcess server({"--login-delay-ms", "60000"});
+        QVERIFY(startServer(server));
+        const QDir outbox(server.dataDir() + "/outbox");
+        const auto mails = [&] { return outbox.entryList(QDir::Files).size(); };
+        const auto signUp = [&](Api &api, const QString &email) {
+            return api.post("/api/auth/signup",
+                            QJsonObject{{"email", email}, {"password", "long enough"}});
+        };
+
+        // One address: its sign-up and two more confirmations, then it has to wait, whichever
+        // way the link is asked for, and nothing more is written.
+        const auto mine = client(server, "198.51.100.20");
+        QCOMPARE(signUp(*mine, "flo@example.org").status, 201);
+        for (int i = 0; i < 2; ++i)
+            QCOMPARE(
+                mine->post("/api/auth/resend", QJsonObject{{"email", "flo@example.org"}}).status,
+                200);
+        QCOMPARE(mails(), 3);
+        const Api::Reply refused =
+            mine->post("/api/auth/resend", QJsonObject{{"email", "FLO@example.org"}});
+        QCOMPARE(refused.status, 429);
+        QVERIFY(retryAfter(refused) >= 50);
+        const Api::Reply page = mine->postRaw("/app/forgot", "email=flo%40example.org",
+                                              "application/x-www-form-urlencoded");
+        QCOMPARE(page.status, 429);
+        QVERIFY(page.body.contains("Wait"));
+        QCOMPARE(mails(), 3);
+
+        // One client: ten requests for addresses with or without accounts, then it waits too,
+        // while another client is not held up.
+        const auto spammer = client(server, "203.0.113.40");
+        for (int i = 0; i < 10; ++i)
+            QVERIFY(spammer
+                        ->post("/api/auth/resend",
+                               QJsonObject{{"email", QString("nobody%1@example.org").arg(i)}})
+                        .status == 200);
+        QCOMPARE(signUp(*spammer, "new@example.org").status, 429);
+        QCOMPARE(mails(), 3);
+        QCOMPARE(signUp(*client(server, "198.51.100.21"), "gus@example.org").status, 201);
+        QCOMPARE(mails(), 4);
     }
 
     void aSecondServerOnTheStoreSeesTheFailures()
