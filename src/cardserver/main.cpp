@@ -63,7 +63,9 @@ int main(int argc, char *argv[])
         }
     });
 
-    std::printf("listening on http://%s:%d\n", qPrintable(server.host()), server.port());
+    // An IPv6 host goes in brackets, so the line is an address a client can use as it is.
+    const QString host = server.host().contains(':') ? "[" + server.host() + "]" : server.host();
+    std::printf("listening on http://%s:%d\n", qPrintable(host), server.port());
     std::fflush(stdout);
     server.serve();
     served = true;

@@ -1,8 +1,10 @@
 // The command line of orvel-server: --help, refusals with a one-line reason, and the
-// "listening on" line.
+// "listening on" line (a usable address, IPv6 included).
+#include "api.h"
 #include "serverprocess.h"
 
 #include <QProcess>
+#include <QTcpServer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -91,6 +93,18 @@ private slots:
         // The store is where the engine under test keeps it.
         QCOMPARE(QFile::exists(server.dataDir() + "/orvel.sqlite"),
                  !TestDatabase::postgresWanted());
+    }
+
+    void anIPv6ListeningLineIsAUsableAddress()
+    {
+        // The later --listen wins over the test's own loopback default.
+        if (QTcpServer probe; !probe.listen(QHostAddress::LocalHostIPv6))
+            QSKIP("no IPv6 loopback on this machine");
+        ServerProcess server({"--local", "--listen", "[::1]:0"});
+        QVERIFY2(server.start(), qPrintable(server.errorText()));
+        QCOMPARE(server.baseUrl().host(), QStringLiteral("::1"));
+        QVERIFY(server.baseUrl().port() > 0);
+        QCOMPARE(Api(server.baseUrl()).get("/healthz").status, 200);
     }
 
     void stopsCleanlyOnTerminate()
