@@ -47,17 +47,12 @@ void checkPassword(const QString &password)
         throw ApiError::invalid(QStringLiteral("That password is too long."));
 }
 
-qint64 wholeSeconds(std::chrono::milliseconds wait)
-{
-    return (wait.count() + 999) / 1000;
-}
-
 // Answers 429 with Retry-After while `wait` is not over.
 void refuseWhileWaiting(Call &call, std::chrono::milliseconds wait)
 {
     if (wait.count() <= 0)
         return;
-    const qint64 seconds = wholeSeconds(wait);
+    const qint64 seconds = (wait.count() + 999) / 1000; // whole seconds, rounded up
     call.setHeader("Retry-After", std::to_string(seconds));
     throw ApiError(429, QStringLiteral("Too many tries. Wait %1 %2, then try again.")
                             .arg(seconds)

@@ -3,6 +3,7 @@
 // kept-alive connections, the connection bound, streams whose client hangs up, and the refusals
 // of non-JSON bodies and cross-site requests. Each case has its own server and is bounded in time.
 #include "api.h"
+#include "processmemory.h"
 
 #include <arpa/inet.h>
 #include <atomic>
@@ -45,13 +46,8 @@ constexpr qint64 GrowthBoundKb = (Sanitized ? 192 : 64) * 1024;
 // One of the server's figures from /proc/<pid>/status, in kB (VmRSS, VmHWM).
 qint64 memoryKb(qint64 pid, const char *field)
 {
-    QFile f(QStringLiteral("/proc/%1/status").arg(pid));
-    if (!f.open(QIODevice::ReadOnly))
-        return -1;
-    for (const QByteArray &line : f.readAll().split('\n'))
-        if (line.startsWith(QByteArray(field) + ':'))
-            return line.mid(int(strlen(field)) + 1).trimmed().split(' ').first().toLongLong();
-    return -1;
+    const qint64 bytes = processMemoryBytes(pid, field);
+    return bytes < 0 ? -1 : bytes / 1024;
 }
 
 // Enough open files for the test's own thousands of connections.
