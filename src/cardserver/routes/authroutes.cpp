@@ -198,8 +198,18 @@ void AuthRoutes::install(Router &router, Services &s)
         const QString current = body.string("current");
         const QString next = body.string("next");
         const auto account = s.accounts.byId(call.userId);
-        if (!account || !s.hasher.verify(account->passwordHash, current))
+        if (!account)
+            throw ApiError(401, QStringLiteral("You are signed out."));
+        // Checking the current password is a sign-in by another door: it counts, and waits, as
+        // sign-in failures of the account's address do, so that a borrowed session cannot be
+        // used to guess the password (and with it the account for good).
+        const QString client = s.clientAddress.of(call);
+        refuseWhileWaiting(call, s.throttle.waitBefore(account->email, client));
+        if (current.size() > 1024 || !s.hasher.verify(account->passwordHash, current)) {
+            s.throttle.failed(account->email, client);
             throw ApiError(403, QStringLiteral("Your current password is not right."));
+        }
+        s.throttle.succeeded(account->email, client);
         checkPassword(next);
         s.accounts.setPassword(call.userId, next);
         s.accounts.endSessionsExcept(call.userId, SessionCookie::read(call));

@@ -1,9 +1,9 @@
 // Limits on signing in, over HTTP: failed sign-ins make the next try wait longer each time,
 // counted per address and per client IP in the store (two servers on one store share them), so
 // that failures from elsewhere delay the owner of an address only a little; the address is checked
-// before anything is looked up; password hashes run a few at a time, and a sign-in that finds no
-// free worker in time hears the server is busy; mailed links are rationed per address and
-// per client.
+// before anything is looked up; a wrong current password on a password change counts as a failed
+// sign-in; password hashes run a few at a time, and a sign-in that finds no free worker in time
+// hears the server is busy; mailed links are rationed per address and per client.
 #include "api.h"
 #include "processmemory.h"
 
@@ -134,6 +134,30 @@ private slots:
         QCOMPARE(onceLetThrough(*owner, "ann@example.org", "the right one"), 200);
         // Other addresses are not slowed at all.
         QCOMPARE(login(*client(server, "203.0.113.10"), "ann2@example.org", "guess").status, 401);
+    }
+
+    void aSessionCannotBeUsedToGuessThePassword()
+    {
+        ServerProcess server({"--local", "--login-delay-ms", "60000"});
+        QVERIFY(startServer(server));
+        Api holder(server.baseUrl());
+        holder.setHeader("X-Forwarded-For", "203.0.113.20");
+        holder.join("dee@example.org", "the right one");
+        const auto change = [&](const char *current) {
+            return holder.post("/api/settings/password",
+                               QJsonObject{{"current", current}, {"next", "a new password"}});
+        };
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(change("guess").status, 403);
+        const Api::Reply held = change("the right one");
+        QCOMPARE(held.status, 429);
+        QVERIFY(retryAfter(held) > 0);
+        // The guesses count as sign-in failures from there as well; the password is unchanged
+        // and its owner, elsewhere, still signs in with it.
+        QCOMPARE(login(*client(server, "203.0.113.20"), "dee@example.org", "the right one").status,
+                 429);
+        QCOMPARE(login(*client(server, "198.51.100.5"), "dee@example.org", "the right one").status,
+                 200);
     }
 
     void mailedLinksAreRationed()
