@@ -1,6 +1,7 @@
 #include "scriptedserver.h"
 #include "skipunlessci.h"
 
+#include <memory>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -33,6 +34,17 @@ QString run(const QString &program, const QStringList &arguments, const QProcess
     return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
 }
 
+// Whether an X client can talk to the server on `display`.
+bool displayAnswers(QProcessEnvironment env, const QString &display)
+{
+    env.insert("DISPLAY", QStringLiteral(":") + display);
+    QProcess probe;
+    probe.setProcessEnvironment(env);
+    probe.start("xdotool", {"getdisplaygeometry"});
+    return probe.waitForFinished(5000) && probe.exitStatus() == QProcess::NormalExit &&
+           probe.exitCode() == 0;
+}
+
 } // namespace
 
 // The sign-in screen as a screen reader sees it: every text and control carries its words, and
@@ -46,9 +58,10 @@ private slots:
         const QString launcher = QStringLiteral("/usr/libexec/at-spi-bus-launcher");
         const QString python = QStringLiteral("/usr/bin/python3");
         if (QStandardPaths::findExecutable("Xvfb").isEmpty() ||
+            QStandardPaths::findExecutable("xdotool").isEmpty() ||
             QStandardPaths::findExecutable("dbus-daemon").isEmpty() || !QFile::exists(launcher) ||
             !QFile::exists(python))
-            ORVEL_SKIP_UNLESS_CI("Xvfb, dbus-daemon or at-spi2-core is not installed");
+            ORVEL_SKIP_UNLESS_CI("Xvfb, xdotool, dbus-daemon or at-spi2-core is not installed");
         if (QProcess::execute(python, {"-c", "import pyatspi"}) != 0)
             ORVEL_SKIP_UNLESS_CI("python3-pyatspi is not installed");
 
@@ -59,14 +72,37 @@ private slots:
         env.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + dir.filePath("bus"));
         env.remove("AT_SPI_BUS_ADDRESS");
 
-        // Xvfb picks a free display itself and writes its number once it takes connections.
-        Child xvfb;
-        xvfb.process.setProcessEnvironment(env);
-        xvfb.process.start("Xvfb",
-                           {"-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"});
-        QVERIFY(QTest::qWaitFor([&] { return xvfb.process.canReadLine(); }, 10000));
-        const QString display = QString::fromLatin1(xvfb.process.readLine()).trimmed();
-        QVERIFY2(!display.isEmpty(), "Xvfb did not say which display it took");
+        // Xvfb picks a free display itself and writes its number once it takes connections. On a
+        // busy machine one has been seen to name its display and then turn the app away, so the
+        // display must also answer an X client before it is used, and a server that does not is
+        // replaced (up to three times). What each said goes to a file, shown if none would do.
+        std::unique_ptr<Child> xvfb;
+        QString display;
+        QString xvfbSaid;
+        for (int attempt = 1; attempt <= 3 && display.isEmpty(); ++attempt) {
+            const QString log = dir.filePath(QStringLiteral("xvfb-%1.log").arg(attempt));
+            xvfb = std::make_unique<Child>();
+            xvfb->process.setProcessEnvironment(env);
+            xvfb->process.setStandardErrorFile(log);
+            xvfb->process.start(
+                "Xvfb", {"-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp"});
+            const QString named =
+                QTest::qWaitFor([&] { return xvfb->process.canReadLine(); }, 10000)
+                    ? QString::fromLatin1(xvfb->process.readLine()).trimmed()
+                    : QString();
+            const bool answers = !named.isEmpty() &&
+                                 QTest::qWaitFor([&] { return displayAnswers(env, named); }, 10000);
+            if (answers) {
+                display = named;
+            } else {
+                QFile said(log);
+                said.open(QIODevice::ReadOnly);
+                xvfbSaid += QStringLiteral("\nXvfb (try %1, display \"%2\") said:\n%3")
+                                .arg(attempt)
+                                .arg(named, QString::fromUtf8(said.readAll()).right(2000));
+            }
+        }
+        QVERIFY2(!display.isEmpty(), qPrintable("no Xvfb display answered" + xvfbSaid));
         env.insert("DISPLAY", QStringLiteral(":") + display);
         Child bus;
         bus.process.setProcessEnvironment(env);
@@ -113,7 +149,10 @@ private slots:
         QVERIFY(reader.waitForFinished(60000));
         const QString output = QString::fromUtf8(reader.readAllStandardOutput());
         QVERIFY2(reader.exitCode() == 0,
-                 qPrintable(QString::fromUtf8(reader.readAllStandardError()) + output));
+                 qPrintable(QString::fromUtf8(reader.readAllStandardError()) + output +
+                            (xvfb->process.state() == QProcess::Running
+                                 ? QString()
+                                 : QStringLiteral("\nXvfb on :%1 had gone").arg(display))));
 
         const QStringList parts = output.split(QStringLiteral("\n--\n"));
         QCOMPARE(parts.size(), 2);
