@@ -2,10 +2,10 @@
 
 #include "store/database.h"
 #include "store/sql.h"
+#include "text/clock.h"
 #include "text/randomtoken.h"
 
 #include <algorithm>
-#include <QDateTime>
 
 namespace cardserver {
 
@@ -33,11 +33,6 @@ QString mailKey(const char *kind, const QString &subject)
                                subject.toCaseFolded());
 }
 
-qint64 nowMs()
-{
-    return QDateTime::currentMSecsSinceEpoch();
-}
-
 } // namespace
 
 LoginThrottle::LoginThrottle(Database &db, std::chrono::milliseconds firstDelay)
@@ -61,7 +56,7 @@ qint64 LoginThrottle::waitFor(const Rule &rule, qint64 failures, qint64 lastFail
 
 std::chrono::milliseconds LoginThrottle::longestWait(std::initializer_list<Counter> counters)
 {
-    const qint64 now = nowMs();
+    const qint64 now = Clock::nowMs();
     qint64 wait = 0;
     for (const Counter &c : counters) {
         Sql q(m_db, "SELECT failures, last_failure FROM login_failures WHERE subject = ?");
@@ -74,7 +69,7 @@ std::chrono::milliseconds LoginThrottle::longestWait(std::initializer_list<Count
 
 void LoginThrottle::count(std::initializer_list<QString> keys)
 {
-    const qint64 now = nowMs();
+    const qint64 now = Clock::nowMs();
     m_db.write([&] {
         for (const QString &key : keys) {
             // A counter quiet for longer than it is remembered starts again at one.
@@ -128,7 +123,7 @@ void LoginThrottle::purge()
 {
     m_db.write([&] {
         Sql(m_db, "DELETE FROM login_failures WHERE last_failure < ?")
-            .bind(nowMs() - forgetAfterMs())
+            .bind(Clock::nowMs() - forgetAfterMs())
             .exec();
     });
 }

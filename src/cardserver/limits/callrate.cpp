@@ -1,8 +1,8 @@
 #include "limits/callrate.h"
 
 #include "http/apierror.h"
+#include "text/clock.h"
 
-#include <QDateTime>
 #include <thread>
 
 namespace cardserver {
@@ -15,7 +15,7 @@ std::chrono::milliseconds CallRate::take(qint64 userId)
 {
     if (m_perWindow <= 0)
         return {};
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
+    const qint64 now = Clock::nowMs();
     std::lock_guard guard(m_lock);
     std::deque<qint64> &calls = m_calls[userId];
     while (!calls.empty() && now - calls.front() >= m_windowMs)

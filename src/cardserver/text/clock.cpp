@@ -14,4 +14,9 @@ qint64 Clock::nowSeconds()
     return QDateTime::currentSecsSinceEpoch();
 }
 
+qint64 Clock::nowMs()
+{
+    return QDateTime::currentMSecsSinceEpoch();
+}
+
 } // namespace cardserver

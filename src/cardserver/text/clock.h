@@ -8,6 +8,8 @@ class Clock {
 public:
     static QString nowText();
     static qint64 nowSeconds();
+    // Milliseconds since the epoch, for waits and rates measured across requests.
+    static qint64 nowMs();
 };
 
 } // namespace cardserver
